@@ -1,0 +1,67 @@
+#include "LaunchOptions.h"
+
+#include <QCommandLineParser>
+
+namespace {
+
+struct Parser {
+    QCommandLineParser parser;
+    QCommandLineOption helpOption{{QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Show this help and exit.")};
+    QCommandLineOption versionOption{{QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Show the version and exit.")};
+    QCommandLineOption snapshotOption{QStringLiteral("snapshot"),
+                                      QStringLiteral("Print one sample of every figure as JSON and exit.")};
+    QCommandLineOption screenshotOption{QStringLiteral("screenshot"),
+                                        QStringLiteral("Render every page offscreen into DIR as PNG files and exit."),
+                                        QStringLiteral("DIR")};
+    QCommandLineOption idiomOption{QStringLiteral("idiom"),
+                                   QStringLiteral("Layout to use: phone or tablet (default: by screen size)."),
+                                   QStringLiteral("phone|tablet")};
+
+    Parser()
+    {
+        parser.setApplicationDescription(
+            QStringLiteral("KOVAR shows what this device is doing: CPU, memory, disk, battery, "
+                           "processes, system and network information."));
+        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption});
+    }
+};
+
+} // namespace
+
+LaunchOptions LaunchOptions::parse(const QStringList &arguments)
+{
+    Parser p;
+    LaunchOptions options;
+    if (!p.parser.parse(arguments)) {
+        options.error = p.parser.errorText();
+        return options;
+    }
+    if (!p.parser.positionalArguments().isEmpty()) {
+        options.error = QStringLiteral("Unexpected argument: %1").arg(p.parser.positionalArguments().first());
+        return options;
+    }
+    options.help = p.parser.isSet(p.helpOption);
+    options.version = p.parser.isSet(p.versionOption);
+    options.snapshot = p.parser.isSet(p.snapshotOption);
+    options.screenshotDir = p.parser.value(p.screenshotOption);
+    if (p.parser.isSet(p.screenshotOption) && options.screenshotDir.isEmpty())
+        options.error = QStringLiteral("--screenshot needs a directory");
+    if (p.parser.isSet(p.idiomOption)) {
+        const QString idiom = p.parser.value(p.idiomOption);
+        if (idiom == QLatin1String("phone"))
+            options.idiom = Idiom::Phone;
+        else if (idiom == QLatin1String("tablet"))
+            options.idiom = Idiom::Tablet;
+        else
+            options.error = QStringLiteral("Unknown idiom \"%1\": use phone or tablet").arg(idiom);
+    }
+    return options;
+}
+
+QString LaunchOptions::helpText()
+{
+    Parser p;
+    return p.parser.helpText();
+}
