@@ -63,5 +63,6 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments)
 QString LaunchOptions::helpText()
 {
     Parser p;
-    return p.parser.helpText();
+    // No application object exists yet, so Qt cannot know the program's name.
+    return p.parser.helpText().replace(QStringLiteral("<executable_name>"), QStringLiteral("kovar"));
 }
