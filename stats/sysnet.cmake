@@ -10,6 +10,11 @@ add_library(kovar_sysinfo STATIC
     ${CMAKE_CURRENT_LIST_DIR}/SysfsText.cpp ${CMAKE_CURRENT_LIST_DIR}/SysfsText.h
     ${CMAKE_CURRENT_LIST_DIR}/DeviceIdentity.cpp ${CMAKE_CURRENT_LIST_DIR}/DeviceIdentity.h
     ${CMAKE_CURRENT_LIST_DIR}/SystemInfoReader.cpp ${CMAKE_CURRENT_LIST_DIR}/SystemInfoReader.h
+    ${CMAKE_CURRENT_LIST_DIR}/CarrierInfo.h
+    ${CMAKE_CURRENT_LIST_DIR}/MobileCountryCodes.cpp ${CMAKE_CURRENT_LIST_DIR}/MobileCountryCodes.h
+    ${CMAKE_CURRENT_LIST_DIR}/ModemManagerCarrier.cpp ${CMAKE_CURRENT_LIST_DIR}/ModemManagerCarrier.h
+    ${CMAKE_CURRENT_LIST_DIR}/RouteLookup.cpp ${CMAKE_CURRENT_LIST_DIR}/RouteLookup.h
+    ${CMAKE_CURRENT_LIST_DIR}/NetworkInfoReader.cpp ${CMAKE_CURRENT_LIST_DIR}/NetworkInfoReader.h
 )
 target_include_directories(kovar_sysinfo PUBLIC ${CMAKE_CURRENT_LIST_DIR})
 target_link_libraries(kovar_sysinfo PUBLIC Qt6::Core Qt6::DBus Qt6::Network)
