@@ -385,8 +385,9 @@ InfoDictionary NetworkInfoReader::networkInfo()
     info.addSection(QStringLiteral("CommonInfo"),
                     {{QStringLiteral("Network Available"), yesNo(networkAvailable())},
                      {QStringLiteral("Local IP"), orEmpty(localIPAddress())},
-                     {QStringLiteral("MAC Address"), orEmpty(macAddress())},
-                     {QStringLiteral("Host Name"), orEmpty(hostname())}});
+                     // Asked once to test for nil and once more for the text.
+                     {QStringLiteral("MAC Address"), macAddress().isNull() ? QStringLiteral("") : macAddress()},
+                     {QStringLiteral("Host Name"), hostname().isNull() ? QStringLiteral("") : hostname()}});
     info.addSection(QStringLiteral("WifiInfo"),
                     {{QStringLiteral("Active WLAN"), yesNo(activeWLAN())},
                      {QStringLiteral("Local WiFi IP"), orEmpty(wifiIPAddress())}});

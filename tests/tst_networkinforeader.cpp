@@ -291,6 +291,7 @@ void TestNetworkInfoReader::macAddress()
     QCOMPARE(mac.isNull(), expected.isNull());
     QCOMPARE(mac, expected);
 
+    // Tested once for nil; a nil address is not asked for a second time.
     if (!message.isEmpty())
         QTest::ignoreMessage(QtWarningMsg, message.toUtf8().constData());
     QTest::ignoreMessage(QtWarningMsg, "resolv: Unknown host");
