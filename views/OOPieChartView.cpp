@@ -35,8 +35,11 @@ double clockwiseSweep(float start, float end)
         return TwoPi;
     if (sweep < 0.0) {
         sweep = std::fmod(sweep, TwoPi) + TwoPi;
-        if (sweep >= TwoPi)
-            sweep -= TwoPi;
+        // A start that float rounding carried a hair past a full turn (the
+        // last item after all the others, when it is zero) has nothing left
+        // to sweep; going round once more would cover every other segment.
+        if (sweep >= TwoPi - 1e-5)
+            sweep = 0.0;
     }
     return sweep;
 }

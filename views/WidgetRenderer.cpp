@@ -15,7 +15,13 @@ QImage WidgetRenderer::render(QWidget *widget, qreal devicePixelRatio)
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(devicePixelRatio);
     image.fill(Qt::transparent);
+    // A window would fill its background even when the widget does not ask
+    // for it; only widgets that fill their own background get one here, so
+    // that transparent charts come out transparent.
+    QWidget::RenderFlags flags = QWidget::DrawChildren;
+    if (widget->autoFillBackground())
+        flags |= QWidget::DrawWindowBackground;
     if (!image.isNull())
-        widget->render(&image, QPoint(), QRegion(), QWidget::DrawWindowBackground | QWidget::DrawChildren);
+        widget->render(&image, QPoint(), QRegion(), flags);
     return image;
 }
