@@ -12,6 +12,8 @@ private Q_SLOTS:
     void resolvesToAnInstalledStandIn_data();
     void resolvesToAnInstalledStandIn();
     void unknownNameKeepsTheDefaultFamily();
+    void pageTitlesFitTheirCells_data();
+    void pageTitlesFitTheirCells();
 };
 
 void TestFontTable::resolvesToAnInstalledStandIn_data()
@@ -56,6 +58,23 @@ void TestFontTable::unknownNameKeepsTheDefaultFamily()
     QVERIFY(FontTable::families(QStringLiteral("NoSuchFont-Regular")).isEmpty());
     QCOMPARE(font.families(), QApplication::font().families());
     QCOMPARE(font.pixelSize(), 15);
+}
+
+void TestFontTable::pageTitlesFitTheirCells_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::newRow("Summary") << "Summary";
+    QTest::newRow("Network") << "Network";
+    QTest::newRow("System") << "System";
+}
+
+void TestFontTable::pageTitlesFitTheirCells()
+{
+    // The phone pager's cells are 65 wide with a 1.5 border on each side and
+    // rounded ends; the titles are drawn at 12.
+    QFETCH(QString, title);
+    const QFontMetricsF metrics(FontTable::font(QStringLiteral("TrebuchetMS-Bold"), 12.0));
+    QVERIFY2(metrics.horizontalAdvance(title) <= 60.0, qPrintable(QString::number(metrics.horizontalAdvance(title))));
 }
 
 QTEST_MAIN(TestFontTable)

@@ -1,5 +1,6 @@
 #include "FontTable.h"
 
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QtMath>
 
@@ -10,6 +11,9 @@ struct FontEntry
     const char *designName;
     QStringList families;
     QFont::Weight weight;
+    // Horizontal stretch (percent) for when the first family is missing and
+    // the stand-in is wider than the face it replaces.
+    int fallbackStretch;
 };
 
 const QList<FontEntry> &fontEntries()
@@ -18,10 +22,12 @@ const QList<FontEntry> &fontEntries()
     // next ones are installed stand-ins with the same metrics or look.
     static const QList<FontEntry> entries = {
         { "CourierNewPS-BoldMT", { QStringLiteral("Courier New"), QStringLiteral("Liberation Mono"),
-                                   QStringLiteral("DejaVu Sans Mono") }, QFont::Bold },
+                                   QStringLiteral("DejaVu Sans Mono") }, QFont::Bold, 100 },
         { "Helvetica-Bold", { QStringLiteral("Helvetica"), QStringLiteral("Nimbus Sans"),
-                              QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans") }, QFont::Bold },
-        { "TrebuchetMS-Bold", { QStringLiteral("Trebuchet MS"), QStringLiteral("DejaVu Sans") }, QFont::Bold },
+                              QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans") }, QFont::Bold, 100 },
+        // DejaVu Sans Bold runs about an eighth wider than Trebuchet MS Bold;
+        // unstretched, "Summary" would not fit its page-control cell.
+        { "TrebuchetMS-Bold", { QStringLiteral("Trebuchet MS"), QStringLiteral("DejaVu Sans") }, QFont::Bold, 88 },
     };
     return entries;
 }
@@ -40,15 +46,20 @@ QStringList FontTable::families(const QString &designName)
 QFont FontTable::font(const QString &designName, qreal pointSize)
 {
     QFont font = QGuiApplication::font();
-    for (const FontEntry &entry : fontEntries()) {
-        if (designName == QLatin1String(entry.designName)) {
-            font.setFamilies(entry.families);
-            font.setWeight(entry.weight);
-            break;
-        }
-    }
     // Pixel sizes are whole numbers; every size the screens use is one.
     font.setPixelSize(qMax(1, qRound(pointSize)));
     font.setHintingPreference(QFont::PreferNoHinting);
+    for (const FontEntry &entry : fontEntries()) {
+        if (designName != QLatin1String(entry.designName))
+            continue;
+        font.setFamilies(entry.families);
+        font.setWeight(entry.weight);
+        if (entry.fallbackStretch != 100) {
+            const QString resolved = QFontInfo(font).family().section(QStringLiteral(" ["), 0, 0);
+            if (resolved.compare(entry.families.first(), Qt::CaseInsensitive) != 0)
+                font.setStretch(entry.fallbackStretch);
+        }
+        break;
+    }
     return font;
 }
