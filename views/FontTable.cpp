@@ -8,7 +8,7 @@ namespace {
 
 struct FontEntry
 {
-    const char *designName;
+    const char *fontName;
     QStringList families;
     QFont::Weight weight;
     // Horizontal stretch (percent) for when the first family is missing and
@@ -34,23 +34,23 @@ const QList<FontEntry> &fontEntries()
 
 } // namespace
 
-QStringList FontTable::families(const QString &designName)
+QStringList FontTable::families(const QString &fontName)
 {
     for (const FontEntry &entry : fontEntries()) {
-        if (designName == QLatin1String(entry.designName))
+        if (fontName == QLatin1String(entry.fontName))
             return entry.families;
     }
     return {};
 }
 
-QFont FontTable::font(const QString &designName, qreal pointSize)
+QFont FontTable::font(const QString &fontName, qreal pointSize)
 {
     QFont font = QGuiApplication::font();
     // Pixel sizes are whole numbers; every size the screens use is one.
     font.setPixelSize(qMax(1, qRound(pointSize)));
     font.setHintingPreference(QFont::PreferNoHinting);
     for (const FontEntry &entry : fontEntries()) {
-        if (designName != QLatin1String(entry.designName))
+        if (fontName != QLatin1String(entry.fontName))
             continue;
         font.setFamilies(entry.families);
         font.setWeight(entry.weight);

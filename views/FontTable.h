@@ -11,8 +11,8 @@
 class FontTable
 {
 public:
-    static QFont font(const QString &designName, qreal pointSize);
+    static QFont font(const QString &fontName, qreal pointSize);
 
     // The families tried for a name, first choice first; empty for an unknown name.
-    static QStringList families(const QString &designName);
+    static QStringList families(const QString &fontName);
 };
