@@ -1,0 +1,26 @@
+#pragma once
+
+#include "CarrierInfo.h"
+
+#include <QDBusConnection>
+
+#include <optional>
+
+// The cellular provider as ModemManager reports it. No bus, no ModemManager,
+// no modem, or a modem that knows no operator: no carrier.
+class ModemManagerCarrier {
+public:
+    explicit ModemManagerCarrier(QDBusConnection connection);
+
+    // Bounds every bus call, so that a wedged service cannot freeze the caller.
+    void setCallTimeout(int milliseconds);
+
+    std::optional<CarrierInfo> carrier() const;
+
+    // The carrier from the system bus, as the application asks for it.
+    static std::optional<CarrierInfo> fromSystemBus();
+
+private:
+    QDBusConnection m_connection;
+    int m_callTimeout = 2000;
+};

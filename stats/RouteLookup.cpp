@@ -1,0 +1,118 @@
+#include "RouteLookup.h"
+
+#include <arpa/inet.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <net/if.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+class SocketGuard {
+public:
+    explicit SocketGuard(int fd)
+        : m_fd(fd)
+    {
+    }
+    ~SocketGuard()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    SocketGuard(const SocketGuard &) = delete;
+    SocketGuard &operator=(const SocketGuard &) = delete;
+    int fd() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+} // namespace
+
+std::optional<RouteLookup::Route> RouteLookup::lookupIPv4(std::uint32_t addressHostOrder)
+{
+    SocketGuard socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE));
+    if (socket.fd() < 0)
+        return std::nullopt;
+
+    // The kernel answers at once; the time-out only guards against a wedged socket.
+    timeval timeout{1, 0};
+    ::setsockopt(socket.fd(), SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+
+    struct {
+        nlmsghdr header;
+        rtmsg route;
+        char attributes[RTA_SPACE(sizeof(std::uint32_t))];
+    } request;
+    std::memset(&request, 0, sizeof request);
+    static std::uint32_t sequence = 0;
+    request.header.nlmsg_len = NLMSG_LENGTH(sizeof(rtmsg));
+    request.header.nlmsg_type = RTM_GETROUTE;
+    request.header.nlmsg_flags = NLM_F_REQUEST;
+    request.header.nlmsg_seq = ++sequence;
+    request.route.rtm_family = AF_INET;
+    request.route.rtm_dst_len = 32;
+
+    auto *destination = reinterpret_cast<rtattr *>(reinterpret_cast<char *>(&request)
+                                                   + NLMSG_ALIGN(request.header.nlmsg_len));
+    destination->rta_type = RTA_DST;
+    destination->rta_len = RTA_LENGTH(sizeof(std::uint32_t));
+    const std::uint32_t networkOrder = htonl(addressHostOrder);
+    std::memcpy(RTA_DATA(destination), &networkOrder, sizeof networkOrder);
+    request.header.nlmsg_len = NLMSG_ALIGN(request.header.nlmsg_len) + destination->rta_len;
+
+    sockaddr_nl kernel{};
+    kernel.nl_family = AF_NETLINK;
+    if (::sendto(socket.fd(), &request, request.header.nlmsg_len, 0, reinterpret_cast<sockaddr *>(&kernel),
+                 sizeof kernel)
+        < 0) {
+        return std::nullopt;
+    }
+
+    alignas(nlmsghdr) char buffer[8192];
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        const ssize_t received = ::recv(socket.fd(), buffer, sizeof buffer, 0);
+        if (received < 0) {
+            if (errno == EINTR)
+                continue;
+            return std::nullopt;
+        }
+        int remaining = int(received);
+        for (auto *message = reinterpret_cast<nlmsghdr *>(buffer); NLMSG_OK(message, remaining);
+             message = NLMSG_NEXT(message, remaining)) {
+            if (message->nlmsg_seq != request.header.nlmsg_seq)
+                continue;
+            if (message->nlmsg_type == NLMSG_ERROR) {
+                const auto *error = static_cast<const nlmsgerr *>(NLMSG_DATA(message));
+                if (error->error == 0)
+                    continue;
+                // ENETUNREACH and friends: the kernel was asked and said "no route".
+                return Route{};
+            }
+            if (message->nlmsg_type != RTM_NEWROUTE)
+                continue;
+            const auto *route = static_cast<const rtmsg *>(NLMSG_DATA(message));
+            if (route->rtm_type != RTN_UNICAST && route->rtm_type != RTN_LOCAL)
+                return Route{};
+            Route result;
+            int attributesLength = int(RTM_PAYLOAD(message));
+            for (auto *attribute = RTM_RTA(route); RTA_OK(attribute, attributesLength);
+                 attribute = RTA_NEXT(attribute, attributesLength)) {
+                if (attribute->rta_type == RTA_OIF && RTA_PAYLOAD(attribute) >= sizeof(int)) {
+                    std::memcpy(&result.interfaceIndex, RTA_DATA(attribute), sizeof(int));
+                }
+            }
+            result.exists = result.interfaceIndex > 0;
+            char name[IF_NAMESIZE + 1] = {};
+            if (result.exists && ::if_indextoname(unsigned(result.interfaceIndex), name))
+                result.interfaceName = QString::fromUtf8(name);
+            return result;
+        }
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+// Asks the kernel which route it would use for an address, as `ip route get`
+// does, over rtnetlink. Nothing is sent to the network.
+class RouteLookup {
+public:
+    struct Route {
+        bool exists = false;     // false: the kernel has no route (unreachable)
+        int interfaceIndex = 0;
+        QString interfaceName;   // "" when the interface vanished meanwhile
+    };
+
+    // addressHostOrder is an IPv4 address in host byte order.
+    // nullopt when the kernel could not be asked at all.
+    static std::optional<Route> lookupIPv4(std::uint32_t addressHostOrder);
+};

@@ -1,0 +1,364 @@
+#include "SystemInfoReader.h"
+
+#include "DeviceIdentity.h"
+#include "SysfsText.h"
+#include "UnitFormatter.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+#include <cstdio>
+
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <cpuid.h>
+#endif
+
+namespace {
+
+std::uint32_t saturate32(std::uint64_t value)
+{
+    return value > UINT32_MAX ? UINT32_MAX : std::uint32_t(value);
+}
+
+std::uint64_t hostTimeBaseFrequency()
+{
+#if defined(__aarch64__)
+    std::uint64_t frequency = 0;
+    asm volatile("mrs %0, cntfrq_el0" : "=r"(frequency));
+    return frequency;
+#elif defined(__x86_64__) || defined(__i386__)
+    unsigned a = 0, b = 0, c = 0, d = 0;
+    const unsigned maxLeaf = __get_cpuid_max(0, nullptr);
+    // Leaf 0x15: TSC = crystal clock * ebx / eax, when the processor tells both.
+    if (maxLeaf >= 0x15) {
+        __cpuid(0x15, a, b, c, d);
+        if (a != 0 && b != 0 && c != 0)
+            return std::uint64_t(c) * b / a;
+    }
+    // Under a hypervisor the TSC rate in kHz is commonly published in leaf 0x40000010.
+    if (maxLeaf >= 1) {
+        __cpuid(1, a, b, c, d);
+        const bool hypervisor = (c & (1u << 31)) != 0;
+        if (hypervisor) {
+            __cpuid(0x40000000, a, b, c, d);
+            if (a >= 0x40000010 && a < 0x40000100) {
+                __cpuid(0x40000010, a, b, c, d);
+                if (a != 0)
+                    return std::uint64_t(a) * 1000;
+            }
+        }
+    }
+    return 0;
+#else
+    return 0;
+#endif
+}
+
+struct CacheFigures {
+    std::uint64_t lineSize = 0;
+    std::uint64_t l1i = 0;
+    std::uint64_t l1d = 0;
+    std::uint64_t l2 = 0;
+    std::uint64_t l3 = 0;
+};
+
+// "32K", "8192K", "1M", or plain bytes.
+std::uint64_t parseCacheSize(const QString &text)
+{
+    static const QRegularExpression pattern(QStringLiteral("^\\s*(\\d+)\\s*([KkMmGg]?)\\s*$"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch())
+        return 0;
+    std::uint64_t value = match.captured(1).toULongLong();
+    const QString unit = match.captured(2).toUpper();
+    if (unit == u"K")
+        value *= 1024;
+    else if (unit == u"M")
+        value *= 1024 * 1024;
+    else if (unit == u"G")
+        value *= 1024 * 1024 * 1024;
+    return value;
+}
+
+CacheFigures readCacheDirectories(const QString &root)
+{
+    CacheFigures figures;
+    const QString base = QStringLiteral("sys/devices/system/cpu/cpu0/cache");
+    const QStringList indexes = QDir(QDir(root).filePath(base))
+                                    .entryList({QStringLiteral("index*")}, QDir::Dirs | QDir::NoDotAndDotDot,
+                                               QDir::Name);
+    std::uint64_t firstLine = 0;
+    std::uint64_t dataLine = 0;
+    for (const QString &index : indexes) {
+        const QString dir = base + u'/' + index + u'/';
+        const QString level = SysfsText::firstLine(root, dir + QStringLiteral("level"));
+        const QString type = SysfsText::firstLine(root, dir + QStringLiteral("type"));
+        const std::uint64_t size = parseCacheSize(SysfsText::firstLine(root, dir + QStringLiteral("size")));
+        const std::uint64_t line = SysfsText::firstLine(root, dir + QStringLiteral("coherency_line_size")).toULongLong();
+        if (firstLine == 0)
+            firstLine = line;
+        if (level == u"1" && type == u"Instruction") {
+            figures.l1i = size;
+        } else if (level == u"1" && (type == u"Data" || type == u"Unified")) {
+            figures.l1d = size;
+            dataLine = line;
+        } else if (level == u"2") {
+            figures.l2 = size;
+        } else if (level == u"3") {
+            figures.l3 = size;
+        }
+    }
+    figures.lineSize = dataLine != 0 ? dataLine : firstLine;
+    return figures;
+}
+
+bool machineMatches(const QString &machine, const char *exact)
+{
+    return machine == QLatin1String(exact);
+}
+
+bool machineStarts(const QString &machine, const char *prefix)
+{
+    return machine.startsWith(QLatin1String(prefix));
+}
+
+} // namespace
+
+SystemInfoReader::SystemCalls SystemInfoReader::hostSystemCalls()
+{
+    SystemCalls calls;
+    calls.uname = [] {
+        struct utsname names {};
+        if (::uname(&names) != 0)
+            return UnameValues{QStringLiteral(""), QStringLiteral(""), QStringLiteral("")};
+        return UnameValues{QString::fromUtf8(names.sysname), QString::fromUtf8(names.release),
+                           QString::fromUtf8(names.machine)};
+    };
+    calls.sysconf = [](int name) { return ::sysconf(name); };
+    calls.timeBaseFrequency = &hostTimeBaseFrequency;
+    return calls;
+}
+
+SystemInfoReader::SystemInfoReader(QString root, SystemCalls calls)
+    : m_root(std::move(root))
+    , m_calls(std::move(calls))
+{
+}
+
+void SystemInfoReader::setScreenWidth(double width)
+{
+    m_screenWidth = width;
+}
+
+double SystemInfoReader::screenWidth() const
+{
+    return m_screenWidth;
+}
+
+QString SystemInfoReader::getSysInfoByName(const QString &name) const
+{
+    if (name == u"hw.machine" || name == u"kern.ostype" || name == u"kern.osrelease") {
+        const UnameValues names = m_calls.uname ? m_calls.uname() : UnameValues{};
+        const QString &value = name == u"hw.machine" ? names.machine
+                             : name == u"kern.ostype" ? names.sysname
+                                                      : names.release;
+        return value.isNull() ? QStringLiteral("") : value;
+    }
+    if (name == u"hw.model") {
+        // Device-tree strings end in a NUL; DMI files in a line break.
+        QByteArray model = SysfsText::read(m_root, QStringLiteral("sys/firmware/devicetree/base/model"));
+        if (!model.isNull()) {
+            const qsizetype nul = model.indexOf('\0');
+            if (nul >= 0)
+                model.truncate(nul);
+            const QString text = QString::fromUtf8(model).trimmed();
+            if (!text.isEmpty())
+                return text;
+        }
+        return SysfsText::firstLine(m_root, QStringLiteral("sys/class/dmi/id/product_name"));
+    }
+    return QStringLiteral("");
+}
+
+std::uint32_t SystemInfoReader::processorCount() const
+{
+    static const QRegularExpression cpuName(QStringLiteral("^cpu\\d+$"));
+    const QStringList entries = QDir(QDir(m_root).filePath(QStringLiteral("sys/devices/system/cpu")))
+                                    .entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    std::uint32_t count = 0;
+    for (const QString &entry : entries) {
+        if (cpuName.match(entry).hasMatch())
+            ++count;
+    }
+    if (count > 0)
+        return count;
+    const long configured = m_calls.sysconf ? m_calls.sysconf(_SC_NPROCESSORS_CONF) : 0;
+    return configured > 0 ? saturate32(std::uint64_t(configured)) : 0;
+}
+
+std::uint32_t SystemInfoReader::cacheFigure(std::uint32_t selector) const
+{
+    // Virtual machines often expose no cache directories; the C library then
+    // still knows the figures from the processor itself.
+    const CacheFigures figures = readCacheDirectories(m_root);
+    std::uint64_t fromSysfs = 0;
+    int sysconfName = 0;
+    switch (selector) {
+    case HW_CACHELINE:
+        fromSysfs = figures.lineSize;
+        sysconfName = _SC_LEVEL1_DCACHE_LINESIZE;
+        break;
+    case HW_L1ICACHESIZE:
+        fromSysfs = figures.l1i;
+        sysconfName = _SC_LEVEL1_ICACHE_SIZE;
+        break;
+    case HW_L1DCACHESIZE:
+        fromSysfs = figures.l1d;
+        sysconfName = _SC_LEVEL1_DCACHE_SIZE;
+        break;
+    case HW_L2CACHESIZE:
+        fromSysfs = figures.l2;
+        sysconfName = _SC_LEVEL2_CACHE_SIZE;
+        break;
+    case HW_L3CACHESIZE:
+        fromSysfs = figures.l3;
+        sysconfName = _SC_LEVEL3_CACHE_SIZE;
+        break;
+    default:
+        return 0;
+    }
+    if (fromSysfs != 0)
+        return saturate32(fromSysfs);
+    const long fromLibc = m_calls.sysconf ? m_calls.sysconf(sysconfName) : 0;
+    return fromLibc > 0 ? saturate32(std::uint64_t(fromLibc)) : 0;
+}
+
+std::uint32_t SystemInfoReader::getSysInfo(std::uint32_t selector) const
+{
+    switch (selector) {
+    case HW_NCPU:
+        return processorCount();
+    case HW_TB_FREQ:
+        return m_calls.timeBaseFrequency ? saturate32(m_calls.timeBaseFrequency()) : 0;
+    case HW_CACHELINE:
+    case HW_L1ICACHESIZE:
+    case HW_L1DCACHESIZE:
+    case HW_L2CACHESIZE:
+    case HW_L3CACHESIZE:
+        return cacheFigure(selector);
+    default:
+        return 0;
+    }
+}
+
+QString SystemInfoReader::platformString() const
+{
+    const QString machine = getSysInfoByName(QStringLiteral("hw.machine"));
+    if (machineMatches(machine, "iFPGA"))
+        return QStringLiteral("iFPGA");
+    if (machineMatches(machine, "iPhone1,1"))
+        return QStringLiteral("iPhone 1G");
+    if (machineMatches(machine, "iPhone1,2"))
+        return QStringLiteral("iPhone 3G");
+    if (machineStarts(machine, "iPhone2"))
+        return QStringLiteral("iPhone 3GS");
+    if (machineStarts(machine, "iPhone3"))
+        return QStringLiteral("iPhone 4");
+    if (machineStarts(machine, "iPhone4"))
+        return QStringLiteral("iPhone 4S");
+    if (machineStarts(machine, "iPhone5"))
+        return QStringLiteral("iPhone 5");
+    if (machineStarts(machine, "iPod1"))
+        return QStringLiteral("iPod touch 1G");
+    if (machineStarts(machine, "iPod2"))
+        return QStringLiteral("iPod touch 2G");
+    if (machineStarts(machine, "iPod3"))
+        return QStringLiteral("iPod touch 3G");
+    if (machineStarts(machine, "iPod4"))
+        return QStringLiteral("iPod touch 4G");
+    if (machineStarts(machine, "iPod5"))
+        return QStringLiteral("iPod touch 5G");
+    if (machineStarts(machine, "iPad1"))
+        return QStringLiteral("iPad 1");
+    if (machineStarts(machine, "iPad2"))
+        return QStringLiteral("iPad 2");
+    if (machineStarts(machine, "iPad3"))
+        return QStringLiteral("The new iPad");
+    if (machineStarts(machine, "AppleTV2"))
+        return QStringLiteral("Apple TV 2G");
+    if (machineStarts(machine, "iPhone"))
+        return QStringLiteral("Unknown iPhone");
+    if (machineStarts(machine, "iPod"))
+        return QStringLiteral("Unknown iPod");
+    if (machineStarts(machine, "iPad"))
+        return QStringLiteral("Unknown iPad");
+    if (machine.endsWith(QLatin1String("86")) || machineMatches(machine, "x86_64")) {
+        if (m_screenWidth <= 0.0)
+            return QStringLiteral("iPhone Simulator");
+        return m_screenWidth < 768.0 ? QStringLiteral("iPhone Simulator") : QStringLiteral("iPad Simulator");
+    }
+    return QStringLiteral("Unknown iOS device");
+}
+
+QString SystemInfoReader::getCPUFrequency() const
+{
+    const QString machine = getSysInfoByName(QStringLiteral("hw.machine"));
+    if (machineMatches(machine, "iPhone1,1") || machineMatches(machine, "iPhone1,2"))
+        return QStringLiteral("412 MHz");
+    if (machineStarts(machine, "iPhone2"))
+        return QStringLiteral("600 MHz");
+    if (machineStarts(machine, "iPhone3") || machineStarts(machine, "iPhone4"))
+        return QStringLiteral("800 MHz");
+    if (machineStarts(machine, "iPhone5"))
+        return QStringLiteral("1 GHz");
+    if (machineStarts(machine, "iPod1"))
+        return QStringLiteral("412 MHz");
+    if (machineStarts(machine, "iPod2"))
+        return QStringLiteral("533 MHz");
+    if (machineStarts(machine, "iPod3"))
+        return QStringLiteral("600 MHz");
+    if (machineStarts(machine, "iPod4"))
+        return QStringLiteral("800 Mhz"); // the lower-case h is the stored text
+    if (machineStarts(machine, "iPod5") || machineStarts(machine, "iPad1") || machineStarts(machine, "iPad2")
+        || machineStarts(machine, "iPad3")) {
+        return QStringLiteral("1 GHz");
+    }
+    return QStringLiteral("");
+}
+
+InfoDictionary SystemInfoReader::systemInfo() const
+{
+    const DeviceIdentity identity(m_root);
+    auto bytes = [this](std::uint32_t selector) {
+        return UnitFormatter::byteToKiloMegaGigaWithByte(double(getSysInfo(selector)), 0, true);
+    };
+
+    char cpuCount[16];
+    std::snprintf(cpuCount, sizeof cpuCount, "%u", unsigned(getSysInfo(HW_NCPU)));
+
+    InfoDictionary info;
+    info.addSection(QStringLiteral("DeviceInfo"),
+                    {{QStringLiteral("Device"), platformString()},
+                     {QStringLiteral("Model"), getSysInfoByName(QStringLiteral("hw.model"))},
+                     {QStringLiteral("Name"), identity.name()},
+                     {QStringLiteral("UDID"), identity.uniqueIdentifier()}});
+    info.addSection(QStringLiteral("OSInfo"),
+                    {{QStringLiteral("OS"), identity.systemName()},
+                     {QStringLiteral("OS Version"), identity.systemVersion()},
+                     {QStringLiteral("Kernel"), getSysInfoByName(QStringLiteral("kern.ostype")) + QStringLiteral(", ")
+                                                    + getSysInfoByName(QStringLiteral("kern.osrelease"))}});
+    info.addSection(QStringLiteral("CPUInfo"),
+                    {{QStringLiteral("Number of Cpus"), QString::fromLatin1(cpuCount)},
+                     {QStringLiteral("CPU Frequency"), getCPUFrequency()},
+                     {QStringLiteral("TB Frequency"),
+                      UnitFormatter::hzToKiloMegaGigaWithHz(double(getSysInfo(HW_TB_FREQ)), 0, true)},
+                     {QStringLiteral("Cache Line Size"), bytes(HW_CACHELINE)},
+                     {QStringLiteral("L1 I Cache Size"), bytes(HW_L1ICACHESIZE)},
+                     {QStringLiteral("L1 D Cache Size"), bytes(HW_L1DCACHESIZE)},
+                     {QStringLiteral("L2 Cache Size"), bytes(HW_L2CACHESIZE)},
+                     {QStringLiteral("L3 Cache Size"), bytes(HW_L3CACHESIZE)}});
+    return info;
+}

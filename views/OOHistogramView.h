@@ -1,0 +1,39 @@
+#pragma once
+
+#include "HistogramItem.h"
+
+#include <QList>
+#include <QWidget>
+
+// The CPU-load history as a grid of small cells: one column per sample,
+// newest at the right, each column red (system) at the foot, cyan (user)
+// above it and unpainted (idle) at the top, inside a white frame.
+class OOHistogramView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    // The newest samples kept; older ones are dropped as new ones arrive.
+    static constexpr qsizetype HistoryLimit = 4096;
+
+    explicit OOHistogramView(const QRect &frame = QRect(), QWidget *parent = nullptr);
+
+    // Appends a sample and repaints; an all-zero sample is ignored.
+    void addItemData(const HistogramItem &item);
+
+    const QList<HistogramItem> &itemData() const { return m_itemData; }
+    void setItemData(const QList<HistogramItem> &itemData);
+
+    float itemRectWidth() const { return m_itemRectWidth; }
+    void setItemRectWidth(float width) { m_itemRectWidth = width; }
+    float itemRectHeight() const { return m_itemRectHeight; }
+    void setItemRectHeight(float height) { m_itemRectHeight = height; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QList<HistogramItem> m_itemData;
+    float m_itemRectWidth = 0.0f;
+    float m_itemRectHeight = 0.0f;
+};

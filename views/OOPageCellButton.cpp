@@ -1,0 +1,12 @@
+#include "OOPageCellButton.h"
+
+OOPageCellButton::OOPageCellButton(QWidget *parent)
+    : QAbstractButton(parent)
+{
+    setFocusPolicy(Qt::NoFocus);
+    setAttribute(Qt::WA_NoSystemBackground);
+}
+
+void OOPageCellButton::paintEvent(QPaintEvent *)
+{
+}

@@ -1,0 +1,138 @@
+#include "OOPageControl.h"
+
+#include "FontTable.h"
+#include "OOPageCellButton.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace {
+
+const QColor TitleColor = Qt::white;
+const QColor CurrentTitleColor = QColor::fromRgbF(1.0, 0.5, 0.0, 1.0);
+const QColor CurrentPillColor = Qt::black;
+constexpr qreal PillOpacity = 0.6;
+constexpr qreal BorderWidth = 1.5;
+const QColor BorderColor = Qt::white;
+
+bool validIndex(qsizetype index, qsizetype count)
+{
+    return index >= 0 && index < count;
+}
+
+} // namespace
+
+OOPageControl::OOPageControl(const QRect &frame, int numberOfPages, QWidget *parent)
+    : QWidget(parent)
+    , m_numberOfPages(numberOfPages)
+{
+    setGeometry(frame);
+    setAutoFillBackground(false);
+
+    const qreal h = qreal(frame.height()) - 4.0;
+    m_titleFont = FontTable::font(QStringLiteral("TrebuchetMS-Bold"), h - 4.0);
+    if (numberOfPages < 1)
+        return;
+    const qreal cell = (qreal(frame.width()) - 2.0) / qreal(numberOfPages);
+    const qreal w = cell - 2.0;
+
+    for (int i = 0; i < numberOfPages; ++i) {
+        const QRectF rect(qreal(i) * cell + 2.0, 2.0, w, h);
+        m_cells.append(Cell { rect, QColor(Qt::transparent), TitleColor, QString() });
+
+        auto *button = new OOPageCellButton(this);
+        button->setGeometry(rect.toAlignedRect() & QRect(QPoint(0, 0), frame.size()));
+        button->setProperty("tag", i);
+        connect(button, &QAbstractButton::clicked, this, &OOPageControl::buttonWasTouchUpInside);
+        m_buttons.append(button);
+    }
+}
+
+OOPageControl::~OOPageControl() = default;
+
+void OOPageControl::setCurrentPage(int page)
+{
+    for (qsizetype i = 0; i < m_cells.size(); ++i) {
+        Cell &cell = m_cells[i];
+        const bool current = i == page;
+        cell.pillColor = current ? CurrentPillColor : QColor(Qt::transparent);
+        cell.titleColor = current ? CurrentTitleColor : TitleColor;
+    }
+    update();
+}
+
+void OOPageControl::setTitles(const QVariantList &titles)
+{
+    qsizetype index = 0;
+    for (const QVariant &title : titles) {
+        if (title.typeId() != QMetaType::QString)
+            continue;
+        if (index > m_cells.size() - 1)
+            break;
+        m_cells[index].title = title.toString();
+        ++index;
+    }
+    update();
+}
+
+QRectF OOPageControl::cellRect(int index) const
+{
+    return validIndex(index, m_cells.size()) ? m_cells.at(index).rect : QRectF();
+}
+
+QString OOPageControl::title(int index) const
+{
+    return validIndex(index, m_cells.size()) ? m_cells.at(index).title : QString();
+}
+
+QColor OOPageControl::pillColor(int index) const
+{
+    return validIndex(index, m_cells.size()) ? m_cells.at(index).pillColor : QColor();
+}
+
+QColor OOPageControl::titleColor(int index) const
+{
+    return validIndex(index, m_cells.size()) ? m_cells.at(index).titleColor : QColor();
+}
+
+qreal OOPageControl::cellCornerRadius() const
+{
+    return (qreal(height()) - 4.0) * 0.5;
+}
+
+void OOPageControl::buttonWasTouchUpInside()
+{
+    // The pager drives the selection; a tap on a cell deliberately does nothing.
+}
+
+void OOPageControl::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    const qreal radius = cellCornerRadius();
+    painter.setFont(m_titleFont);
+    const QFontMetricsF metrics(m_titleFont);
+
+    for (const Cell &cell : std::as_const(m_cells)) {
+        if (cell.pillColor.alpha() != 0) {
+            QPainterPath pill;
+            pill.addRoundedRect(cell.rect, radius, radius);
+            QColor color = cell.pillColor;
+            color.setAlphaF(color.alphaF() * PillOpacity);
+            painter.fillPath(pill, color);
+        }
+        if (!cell.title.isEmpty()) {
+            // Titles that do not fit end in an ellipsis, as labels do.
+            const QString text = metrics.elidedText(cell.title, Qt::ElideRight, cell.rect.width());
+            painter.setPen(cell.titleColor);
+            painter.drawText(cell.rect, Qt::AlignCenter, text);
+        }
+        // The border lies inside the cell, above the title.
+        const qreal half = BorderWidth / 2.0;
+        QPainterPath border;
+        border.addRoundedRect(cell.rect.adjusted(half, half, -half, -half), radius - half, radius - half);
+        painter.strokePath(border, QPen(BorderColor, BorderWidth));
+    }
+}

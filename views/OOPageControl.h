@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QList>
+#include <QRectF>
+#include <QString>
+#include <QVariantList>
+#include <QWidget>
+
+class OOPageCellButton;
+class OOPageControlDelegate;
+
+// The titled page indicator: a row of equal cells, one per page, each a
+// white rounded outline around its title; the current page gets a dark pill
+// and orange text. It only shows the page set from outside: taps on the
+// cells do nothing.
+class OOPageControl : public QWidget
+{
+    Q_OBJECT
+
+public:
+    OOPageControl(const QRect &frame, int numberOfPages, QWidget *parent = nullptr);
+    ~OOPageControl() override;
+
+    // Marks that page and unmarks every other one; a page out of range
+    // unmarks all. The page is not remembered beyond the colours.
+    void setCurrentPage(int page);
+
+    // Titles in page order. Entries that are not strings are skipped without
+    // using up a cell; surplus strings are ignored.
+    void setTitles(const QVariantList &titles);
+
+    OOPageControlDelegate *delegate() const { return m_delegate; }
+    void setDelegate(OOPageControlDelegate *delegate) { m_delegate = delegate; }
+
+    int numberOfPages() const { return m_numberOfPages; }
+    QRectF cellRect(int index) const;
+    QString title(int index) const;
+    QColor pillColor(int index) const;
+    QColor titleColor(int index) const;
+    QFont titleFont() const { return m_titleFont; }
+    qreal cellCornerRadius() const;
+    QList<OOPageCellButton *> cellButtons() const { return m_buttons; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void buttonWasTouchUpInside();
+
+    struct Cell
+    {
+        QRectF rect;
+        QColor pillColor;
+        QColor titleColor;
+        QString title;
+    };
+
+    OOPageControlDelegate *m_delegate = nullptr;
+    QList<Cell> m_cells;
+    QList<OOPageCellButton *> m_buttons;
+    QFont m_titleFont;
+    int m_numberOfPages = 0;
+};

@@ -1,0 +1,7 @@
+#include "OOPageControlDelegate.h"
+
+OOPageControlDelegate::~OOPageControlDelegate() = default;
+
+void OOPageControlDelegate::pageControlClicked(OOPageControl *, int)
+{
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "PieChartItem.h"
+
+#include <QList>
+#include <QWidget>
+
+// A ring chart: a grey ring with a shadow, one coloured segment per item
+// (clockwise from the right, in item order) and white outlines.
+class OOPieChartView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OOPieChartView(const QRect &frame = QRect(), QWidget *parent = nullptr);
+
+    // Replaces all items by these four, in this order, and repaints.
+    void addItemData0(const PieChartItem &data0, const PieChartItem &data1, const PieChartItem &data2,
+                      const PieChartItem &data3);
+
+    const QList<PieChartItem> &itemData() const { return m_itemData; }
+    void setItemData(const QList<PieChartItem> &itemData);
+
+    // Ring geometry for a bounds size: outer and inner radius.
+    static float outerRadius(const QSizeF &size);
+    static float innerRadius(const QSizeF &size) { return outerRadius(size) / 3.0f; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QList<PieChartItem> m_itemData;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+
+// A colour key swatch: a rectangle (type 0) or an ellipse (type 1) filled
+// with one colour and outlined in white with a soft shadow. Other types draw
+// nothing.
+class OORectView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OORectView(const QRect &frame = QRect(), QWidget *parent = nullptr);
+
+    QColor rectColor() const { return m_rectColor; }
+    // Repaints. An invalid colour means no fill.
+    void setRectColor(const QColor &color);
+
+    // Type and border take effect at the next repaint; they do not ask for one.
+    qint32 type() const { return m_type; }
+    void setType(qint32 type) { m_type = type; }
+    float border() const { return m_border; }
+    void setBorder(float border) { m_border = border; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QColor m_rectColor;
+    qint32 m_type = 0;
+    float m_border = 1.0f;
+};

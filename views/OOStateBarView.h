@@ -1,0 +1,46 @@
+#pragma once
+
+#include "StateBarItem.h"
+
+#include <QList>
+#include <QPainterPath>
+#include <QWidget>
+
+// A horizontal capsule split left to right into coloured segments whose
+// widths follow their values, on a grey background with a white outline.
+class OOStateBarView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    // The corner radius is fixed here from the frame's height; resizing later
+    // does not change it.
+    explicit OOStateBarView(const QRect &frame = QRect(), QWidget *parent = nullptr);
+
+    void addItemData(const StateBarItem &item);
+    // Replaces all items by these two and repaints.
+    void addItemData0(const StateBarItem &data0, const StateBarItem &data1);
+
+    const QList<StateBarItem> &itemData() const { return m_itemData; }
+    void setItemData(const QList<StateBarItem> &itemData);
+
+    float shadowSize() const { return m_shadowSize; }
+    void setShadowSize(float shadowSize) { m_shadowSize = shadowSize; }
+    float cornerRadius() const { return m_cornerRadius; }
+    void setCornerRadius(float cornerRadius) { m_cornerRadius = cornerRadius; }
+
+    // A rounded rectangle whose radius is capped at half the rectangle's
+    // longer side (not the shorter one: a radius above half the height passes
+    // through as long as it fits the width).
+    static QPainterPath createRoundedRectPathWithRect(const QRectF &rect, float cornerRadius);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QPainterPath outlinePath() const;
+
+    QList<StateBarItem> m_itemData;
+    float m_shadowSize = 5.0f;
+    float m_cornerRadius = 0.0f;
+};

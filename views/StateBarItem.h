@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QColor>
+
+// One segment of a state bar: an amount and its fill colour.
+class StateBarItem
+{
+public:
+    constexpr StateBarItem() = default;
+    constexpr StateBarItem(double value, float red, float green, float blue, float alpha)
+        : m_value(value), m_red(red), m_green(green), m_blue(blue), m_alpha(alpha)
+    {
+    }
+
+    static constexpr StateBarItem initWithVal(double value, float colorRed, float green, float blue,
+                                              float alpha)
+    {
+        return StateBarItem(value, colorRed, green, blue, alpha);
+    }
+
+    constexpr double value() const { return m_value; }
+    constexpr float red() const { return m_red; }
+    constexpr float green() const { return m_green; }
+    constexpr float blue() const { return m_blue; }
+    constexpr float alpha() const { return m_alpha; }
+    constexpr void setValue(double value) { m_value = value; }
+    constexpr void setRed(float red) { m_red = red; }
+    constexpr void setGreen(float green) { m_green = green; }
+    constexpr void setBlue(float blue) { m_blue = blue; }
+    constexpr void setAlpha(float alpha) { m_alpha = alpha; }
+
+    QColor color() const { return QColor::fromRgbF(m_red, m_green, m_blue, m_alpha); }
+
+    friend constexpr bool operator==(const StateBarItem &, const StateBarItem &) = default;
+
+private:
+    double m_value = 0.0;
+    float m_red = 0.0f;
+    float m_green = 0.0f;
+    float m_blue = 0.0f;
+    float m_alpha = 1.0f;
+};
