@@ -506,6 +506,13 @@ void TestStatCore::startTimeFollowsPidReuse()
     QCOMPARE(second->size(), 6);
     QCOMPARE(startOf(*second, QStringLiteral("1534")), QStringLiteral("Nov 15, 2023, 11:13:20\u202fPM"));
     QCOMPARE(startOf(*second, QStringLiteral("812")), QString());
+
+    // Pid 2201 exits and is reused between two scans: the cached text must not stick.
+    QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/2201/stat")),
+                      "2201 (reused) S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 360000 0 0\n"));
+    const std::optional<QList<ProcessRecord>> third = core.runningProcesses();
+    QVERIFY(third);
+    QCOMPARE(startOf(*third, QStringLiteral("2201")), QStringLiteral("Nov 14, 2023, 11:13:20\u202fPM"));
 }
 
 void TestStatCore::byteFormatter_data()
