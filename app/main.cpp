@@ -1,9 +1,12 @@
 #include "LaunchOptions.h"
+#include "StatCore.h"
+#include "StatSnapshot.h"
 
 #include <QApplication>
 #include <QCoreApplication>
 #include <QWidget>
 
+#include <chrono>
 #include <cstdio>
 
 int main(int argc, char *argv[])
@@ -26,6 +29,14 @@ int main(int argc, char *argv[])
     }
     if (options.version) {
         std::printf("kovar %s\n", KOVAR_VERSION);
+        return 0;
+    }
+
+    if (options.snapshot) {
+        // No display needed: the snapshot only reads the system's counters.
+        QCoreApplication app(argc, argv);
+        const QByteArray json = StatSnapshot::toJson(StatSnapshot::capture(*StatCore::shared(), std::chrono::seconds(1)));
+        std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
         return 0;
     }
 
