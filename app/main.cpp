@@ -1,8 +1,10 @@
+#include "LaunchIdiom.h"
 #include "LaunchOptions.h"
+#include "MonitorAppDelegate.h"
 
 #include <QApplication>
 #include <QCoreApplication>
-#include <QWidget>
+#include <QScreen>
 
 #include <cstdio>
 
@@ -30,9 +32,9 @@ int main(int argc, char *argv[])
     }
 
     QApplication app(argc, argv);
-    QWidget window;
-    window.setWindowTitle(QStringLiteral("KOVAR"));
-    window.resize(320, 480);
-    window.show();
+    const QSize screen = app.primaryScreen() ? app.primaryScreen()->availableSize() : QSize();
+    const LaunchIdiom::Kind idiom = LaunchIdiom::choose(options.idiom, screen);
+    const auto delegate = MonitorAppDelegate::create(idiom, LaunchIdiom::windowSize(idiom, screen));
+    delegate->application(&app, options);
     return app.exec();
 }

@@ -1,0 +1,12 @@
+#include "iPhoneRootViewController.h"
+
+#include <QPalette>
+
+iPhoneRootViewController::iPhoneRootViewController(QWidget *parent)
+    : QWidget(parent)
+{
+    QPalette palette = this->palette();
+    palette.setColor(QPalette::Window, QColor(0x1c, 0x1c, 0x1e));
+    setPalette(palette);
+    setAutoFillBackground(true);
+}
