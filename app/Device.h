@@ -74,10 +74,6 @@ public:
     QString systemVersion() const;
     void setIdentity(const Identity &identity);
 
-    // Maps used by both sources, public so that the tables can be checked whole.
-    static BatteryState stateFromUPower(uint upowerState);
-    static BatteryState stateFromSysfsStatus(const QString &status);
-
 Q_SIGNALS:
     void batteryLevelDidChange();
     void batteryStateDidChange();
@@ -87,6 +83,9 @@ private Q_SLOTS:
                                  const QStringList &invalidated);
 
 private:
+    static BatteryState stateFromUPower(uint upowerState);
+    static BatteryState stateFromSysfsStatus(const QString &status);
+
     void start();
     void stop();
     void useUPower();
