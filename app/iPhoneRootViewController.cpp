@@ -1,6 +1,7 @@
 #include "iPhoneRootViewController.h"
 
 #include "FontTable.h"
+#include "ImageView.h"
 #include "LabelView.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
@@ -11,8 +12,6 @@
 #include "iPhoneSystemViewController.h"
 #include "iPhoneTotalViewController.h"
 
-#include <QLabel>
-#include <QPixmap>
 #include <QTimer>
 
 #include <cmath>
@@ -35,10 +34,7 @@ void iPhoneRootViewController::viewDidLoad()
     const int W = width();
     const int H = height();
 
-    auto *background = new QLabel(this);
-    background->setGeometry(rect());
-    background->setPixmap(QPixmap(QStringLiteral(":/images/bg.png")));
-    background->setScaledContents(true);
+    new ImageView(rect(), QStringLiteral("bg.png"), this);
 
     auto *title = new LabelView(QRect(8, 4, 40, 15), QStringLiteral("KOVAR"),
                                 FontTable::font(QStringLiteral("CourierNewPS-BoldMT"), 12), this);

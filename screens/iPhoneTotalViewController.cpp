@@ -3,6 +3,7 @@
 #include "Device.h"
 #include "FontTable.h"
 #include "HistogramItem.h"
+#include "ImageView.h"
 #include "LabelView.h"
 #include "OOHistogramView.h"
 #include "OOPieChartView.h"
@@ -14,8 +15,6 @@
 #include "StateBarItem.h"
 #include "SummaryColors.h"
 
-#include <QLabel>
-#include <QPixmap>
 #include <QScrollArea>
 #include <QScroller>
 
@@ -70,11 +69,7 @@ void rule(QWidget *parent, const QRect &frame)
 
 void glassOverlay(QWidget *parent, const QRect &frame, const QString &image)
 {
-    auto *overlay = new QLabel(parent);
-    overlay->setGeometry(frame);
-    overlay->setPixmap(QPixmap(image));
-    overlay->setScaledContents(true);
-    overlay->setAttribute(Qt::WA_TransparentForMouseEvents);
+    new ImageView(frame, image, parent);
 }
 
 // snprintf, not Qt's number printing: halves round to even as the figures always have.
@@ -152,7 +147,7 @@ void iPhoneTotalViewController::buildCpuPanel(QWidget *content)
     _cpuHistogramView = new OOHistogramView(QRect(15, 35, 150, 75), panel);
     _cpuHistogramView->setItemRectWidth(2);
     _cpuHistogramView->setItemRectHeight(2);
-    glassOverlay(panel, QRect(15, 35, 150, 75), QStringLiteral(":/images/histogram_glass_effect.png"));
+    glassOverlay(panel, QRect(15, 35, 150, 75), QStringLiteral("histogram_glass_effect.png"));
 
     legendSquare(panel, QRect(175, 35, 15, 15), cpuUser);
     legendSquare(panel, QRect(175, 55, 15, 15), cpuSystem);
@@ -197,7 +192,7 @@ void iPhoneTotalViewController::buildDiskPanel(QWidget *content)
     const int W = width();
     QWidget *panel = addPanel(content, 295, 130, QStringLiteral("Disk Usage"));
     _diskStateBarView = new OOStateBarView(QRect(15, 35, W - 25, 27), panel);
-    glassOverlay(panel, QRect(15, 35, W - 25, 27), QStringLiteral(":/images/statebar_glass_effect.png"));
+    glassOverlay(panel, QRect(15, 35, W - 25, 27), QStringLiteral("statebar_glass_effect.png"));
     _diskUsedColorRectView = legendSquare(panel, QRect(15, 65, 15, 15), low);
     legendSquare(panel, QRect(15, 85, 15, 15), memoryFree);
     label(panel, QRect(35, 65, 135, 15), QStringLiteral("Used"));
@@ -218,7 +213,7 @@ void iPhoneTotalViewController::buildBatteryPanel(QWidget *content)
     }
     QWidget *panel = addPanel(content, 425, 90, QStringLiteral("Battery"));
     _batteryStateBarView = new OOStateBarView(QRect(15, 35, W - 25, 27), panel);
-    glassOverlay(panel, QRect(15, 35, W - 25, 27), QStringLiteral(":/images/statebar_glass_effect.png"));
+    glassOverlay(panel, QRect(15, 35, W - 25, 27), QStringLiteral("statebar_glass_effect.png"));
     _batteryLevelColorRectView = legendSquare(panel, QRect(15, 65, 15, 15), initialBatteryLevel);
     _batteryStateColorRectView = legendSquare(panel, QRect(210, 65, 15, 15), critical, 1);
     label(panel, QRect(35, 65, 55, 15), QStringLiteral("Level"));

@@ -200,7 +200,7 @@ private Q_SLOTS:
         };
         QTemporaryDir root;
         QVERIFY(writeBattery(root.path(), capacity, status));
-        Device device(QDBusConnection(QStringLiteral("no-bus")), root.path());
+        Device device(root.path());
         device.setBatteryMonitoringEnabled(true);
         auto page = makePage(&device);
         QCOMPARE(page->batteryLevelText(), levelText);
@@ -216,7 +216,7 @@ private Q_SLOTS:
     void noBattery()
     {
         QTemporaryDir root;
-        Device device(QDBusConnection(QStringLiteral("no-bus")), root.path());
+        Device device(root.path());
         device.setBatteryMonitoringEnabled(true);
         auto page = makePage(&device);
         QCOMPARE(page->batteryLevelText(), QStringLiteral("Unknown"));
