@@ -17,8 +17,9 @@ PagingScrollView::PagingScrollView(QWidget *parent)
     setWidgetResizable(false);
     setAttribute(Qt::WA_TranslucentBackground);
     viewport()->setAutoFillBackground(false);
-    _contentView->setAutoFillBackground(false);
     setWidget(_contentView);
+    // setWidget() makes the content opaque; the pages lie over the root's background.
+    _contentView->setAutoFillBackground(false);
     setStyleSheet(QStringLiteral("QScrollArea { background: transparent; }"));
 
     _scroller = QScroller::scroller(viewport());

@@ -90,6 +90,11 @@ void iPhoneRootViewController::viewDidLoad()
         connect(button, &QAbstractButton::clicked, this, [this, button] { buttonWasTouchUpInside(button); });
         _tabButtons << button;
     }
+
+    // The root may already be on screen when it is built; children added to a visible
+    // widget stay hidden until shown.
+    for (QWidget *child : findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
+        child->show();
 }
 
 void iPhoneRootViewController::refreshSystemState()

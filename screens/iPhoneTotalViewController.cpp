@@ -18,6 +18,7 @@
 #include <QScrollArea>
 #include <QScroller>
 
+#include <cmath>
 #include <cstdio>
 
 using namespace SummaryColors;
@@ -115,8 +116,9 @@ void iPhoneTotalViewController::viewDidLoad()
     _scrollView->setStyleSheet(QStringLiteral("QScrollArea { background: transparent; }"));
     auto *content = new QWidget;
     content->resize(W, ContentHeight);
-    content->setAutoFillBackground(false);
     _scrollView->setWidget(content);
+    content->setAutoFillBackground(false); // setWidget() made it opaque
+
     QScroller::grabGesture(_scrollView->viewport(), QScroller::LeftMouseButtonGesture);
 
     buildCpuPanel(content);
@@ -274,7 +276,9 @@ void iPhoneTotalViewController::batteryChanged()
         return;
     const float level = _device ? _device->batteryLevel() : -1.0f;
     const int state = _device ? int(_device->batteryState()) : 0;
-    const float L = level * 100.0f;
+    // The level is a binary fraction: 0.3f times 100 is a hair above 30. Round off that
+    // representation error so that a battery at exactly 30 % is treated as 30.
+    const float L = level < 0 ? level * 100.0f : float(std::round(double(level) * 10000.0) / 100.0);
 
     _batteryLevel->setText(state != 0 ? format("%.0f%%", double(L)) : QStringLiteral("Unknown"));
     const Rgb levelColor = batteryLevelColor(L);

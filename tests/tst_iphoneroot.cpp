@@ -41,6 +41,10 @@ private:
         auto root = std::make_unique<iPhoneRootViewController>();
         root->resize(320, 460);
         root->viewDidLoad();
+        // Scrolling needs a laid-out pager, as on screen.
+        root->show();
+        if (!QTest::qWaitForWindowExposed(root.get()))
+            qWarning("root window not exposed");
         return root;
     }
 

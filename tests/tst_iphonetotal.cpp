@@ -156,7 +156,7 @@ private Q_SLOTS:
         page->setDiskUsageData(DiskUsageData{128.0 * (1 << 30), 32.0 * (1 << 30)});
         QCOMPARE(page->diskUsedText(), QStringLiteral(" 75.0%   96.00GB"));
         QCOMPARE(page->diskFreeText(), QStringLiteral(" 25.0%   32.00GB"));
-        QCOMPARE(page->diskTotalSpaceText(), QStringLiteral("  128.00GB"));
+        QCOMPARE(page->diskTotalSpaceText(), QStringLiteral(" 128.00GB"));
         // A text longer than nine characters is cut to nine.
         page->setDiskUsageData(DiskUsageData{5e15, 5e15});
         QCOMPARE(page->diskTotalSpaceText(), QStringLiteral("4,656,612"));
