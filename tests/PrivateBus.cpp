@@ -3,7 +3,9 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDeadlineTimer>
+#include <QDBusReply>
 #include <QProcessEnvironment>
+#include <QThread>
 #include <QUuid>
 
 namespace {
@@ -75,9 +77,13 @@ bool PrivateBus::startUPower()
     if (!m_upower->waitForStarted(5000))
         return false;
     const QDBusConnection bus = connection();
-    QDeadlineTimer deadline(15000);
+    // The name counts only once this very process owns it: a mock ended just before
+    // may still hold it for a moment.
+    const uint pid = uint(m_upower->processId());
+    QDeadlineTimer deadline(30000);
     while (!deadline.hasExpired()) {
-        if (bus.interface()->isServiceRegistered(upowerService))
+        const QDBusReply<uint> owner = bus.interface()->servicePid(upowerService);
+        if (owner.isValid() && owner.value() == pid)
             return true;
         if (m_upower->state() == QProcess::NotRunning)
             return false;
@@ -88,8 +94,15 @@ bool PrivateBus::startUPower()
 
 void PrivateBus::stopUPower()
 {
+    if (!m_upower)
+        return;
     endProcess(m_upower.get());
     m_upower.reset();
+    // Gone from the bus too, so that the next test starts from "no UPower".
+    const QDBusConnection bus = connection();
+    QDeadlineTimer deadline(10000);
+    while (bus.interface()->isServiceRegistered(upowerService) && !deadline.hasExpired())
+        QThread::msleep(20);
 }
 
 bool PrivateBus::callMock(const QString &method, const QVariantList &arguments)

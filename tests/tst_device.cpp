@@ -4,6 +4,7 @@
 #include <QDBusObjectPath>
 #include <QDir>
 #include <QFile>
+#include <QSaveFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -41,10 +42,11 @@ bool copyTree(const QString &from, const QString &to)
     return true;
 }
 
+// Replaced whole, so that a poll never sees a half-written file.
 bool writeAttribute(const QString &root, const QString &supply, const QString &name, const QByteArray &value)
 {
-    QFile file(root + QStringLiteral("/sys/class/power_supply/") + supply + QLatin1Char('/') + name);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(value + '\n') == value.size() + 1;
+    QSaveFile file(root + QStringLiteral("/sys/class/power_supply/") + supply + QLatin1Char('/') + name);
+    return file.open(QIODevice::WriteOnly) && file.write(value + '\n') == value.size() + 1 && file.commit();
 }
 
 QVariantList displayDeviceSetup(uint kind, uint state, double percentage, bool present)
@@ -208,7 +210,9 @@ void TestDevice::sysfsChangesArePolled()
     QSignalSpy stateSpy(&device, &Device::batteryStateDidChange);
 
     if (change == QLatin1String("remove")) {
-        QVERIFY(QDir(root.path() + QStringLiteral("/sys/class/power_supply/") + supply).removeRecursively());
+        // Moved out in one step, as a hot-unplugged battery leaves the folder.
+        QVERIFY(QDir().rename(root.path() + QStringLiteral("/sys/class/power_supply/") + supply,
+                              root.path() + QStringLiteral("/unplugged")));
     } else if (change != QLatin1String("nothing")) {
         for (const QString &assignment : change.split(QLatin1Char(';'))) {
             const QStringList parts = assignment.split(QLatin1Char('='));
