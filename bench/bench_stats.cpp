@@ -1,5 +1,6 @@
 // Costs of one refresh tick of the statistics core, beside the floor that no
 // reader can beat: opening, reading and closing every /proc/[pid]/stat.
+#include "GeneratedProcTree.h"
 #include "ProcReader.h"
 #include "StatCore.h"
 
@@ -17,49 +18,9 @@
 
 namespace {
 
-// A tree of 1,000 processes with real-looking stat lines, built once per run.
-class GeneratedTree {
-public:
-    static GeneratedTree &instance()
-    {
-        static GeneratedTree tree;
-        return tree;
-    }
-    QString root() const { return m_dir.path(); }
-
-private:
-    GeneratedTree()
-    {
-        const QByteArray proc = QFile::encodeName(m_dir.path()) + "/proc";
-        ::mkdir(proc.constData(), 0755);
-        const QByteArray stat = "cpu  31186 17 14108 988118 734 5 364 9 0 0\nbtime 1700000000\n";
-        writeFile(proc + "/stat", stat);
-        for (int pid = 1; pid <= 1000; ++pid) {
-            const QByteArray dir = proc + '/' + QByteArray::number(pid);
-            ::mkdir(dir.constData(), 0755);
-            const QByteArray line = QByteArray::number(pid) + " (worker-" + QByteArray::number(pid)
-                + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 " + QByteArray::number(pid * 37)
-                + " 5435392 710 18446744073709551615 94815633768448 94815634557853 140734943515104 0 0 0 65536 "
-                  "3670016 1132560123 1 0 0 17 1 0 0 0 0 0 94815634791152 94815634839396 94816016547840 "
-                  "140734943517498 140734943517513 140734943517513 140734943518698 0\n";
-            writeFile(dir + "/stat", line);
-        }
-    }
-    static void writeFile(const QByteArray &path, const QByteArray &data)
-    {
-        const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        if (fd < 0)
-            return;
-        if (::write(fd, data.constData(), size_t(data.size())) != data.size())
-            std::fputs("bench_stats: short write while building the tree\n", stderr);
-        ::close(fd);
-    }
-    QTemporaryDir m_dir;
-};
-
 QString treeFor(const benchmark::State &state)
 {
-    return state.range(0) == 0 ? QStringLiteral("/") : GeneratedTree::instance().root();
+    return state.range(0) == 0 ? QStringLiteral("/") : GeneratedProcTree::instance().root();
 }
 
 const char *labelFor(const benchmark::State &state)
