@@ -1,7 +1,6 @@
 #include "ProcReader.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -47,7 +46,6 @@ private Q_SLOTS:
     void fixtureCounters();
     void processStatsOfTrees_data();
     void processStatsOfTrees();
-    void directoryOrderKept();
     void pidDirectoryWithoutStatIsSkipped();
     void hundredThousandProcesses();
 };
@@ -61,10 +59,6 @@ void TestProcReader::parseCpuLine_data()
     QTest::addColumn<quint32>("idle");
     QTest::addColumn<quint32>("nice");
 
-    QTest::newRow("irq and softirq fold into system, iowait into idle")
-        << QByteArray("cpu  100 7 20 1000 50 3 4 9 0 0\n") << true << 100u << 27u << 1050u << 7u;
-    QTest::newRow("steal and guest left out")
-        << QByteArray("cpu  100 0 20 1000 0 0 0 555 666 777\n") << true << 100u << 20u << 1000u << 0u;
     QTest::newRow("old kernel with four columns") << QByteArray("cpu 5 6 7 8") << true << 5u << 7u << 8u << 6u;
     QTest::newRow("64-bit counter cut to 32 bits")
         << QByteArray("cpu  4294967396 0 0 0\n") << true << 100u << 0u << 0u << 0u;
@@ -253,28 +247,6 @@ void TestProcReader::processStatsOfTrees()
         found.append(stat.pid);
     std::sort(found.begin(), found.end());
     QCOMPARE(found, pids);
-}
-
-void TestProcReader::directoryOrderKept()
-{
-    // The readers must not sort: the table's order is the directory's.
-    const QString tree = fixture("proc-x86-laptop");
-    QList<int> directoryOrder;
-    QDirIterator it(tree + QStringLiteral("/proc"), QDir::Dirs | QDir::NoDotAndDotDot);
-    while (it.hasNext()) {
-        bool ok = false;
-        const int pid = it.nextFileInfo().fileName().toInt(&ok);
-        if (ok)
-            directoryOrder.append(pid);
-    }
-    QCOMPARE(directoryOrder.size(), 7);
-
-    const std::optional<QList<ProcReader::ProcStat>> stats = ProcReader(tree).processStats();
-    QVERIFY(stats);
-    QList<int> scanned;
-    for (const ProcReader::ProcStat &stat : *stats)
-        scanned.append(stat.pid);
-    QCOMPARE(scanned, directoryOrder);
 }
 
 void TestProcReader::pidDirectoryWithoutStatIsSkipped()
