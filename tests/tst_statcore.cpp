@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMutex>
 #include <QTemporaryDir>
 #include <QTest>
@@ -10,6 +11,8 @@
 #include <unicode/uloc.h>
 
 #include <atomic>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <thread>
 #include <unistd.h>
@@ -102,6 +105,7 @@ private Q_SLOTS:
     void runningProcessesNil_data();
     void runningProcessesNil();
     void startTimeFollowsPidReuse();
+    void hundredThousandProcesses();
 
     void byteFormatter_data();
     void byteFormatter();
@@ -513,6 +517,48 @@ void TestStatCore::startTimeFollowsPidReuse()
     const std::optional<QList<ProcessRecord>> third = core.runningProcesses();
     QVERIFY(third);
     QCOMPARE(startOf(*third, QStringLiteral("2201")), QStringLiteral("Nov 14, 2023, 11:13:20\u202fPM"));
+}
+
+void TestStatCore::hundredThousandProcesses()
+{
+    // 100,000 directories cost minutes on a disk-backed file system under the
+    // sanitizers and seconds in memory: use the shared-memory file system when there is one.
+    const QString shm = QStringLiteral("/dev/shm");
+    QTemporaryDir dir = QFileInfo(shm).isWritable() ? QTemporaryDir(shm + QStringLiteral("/kovar-statcore-XXXXXX"))
+                                                    : QTemporaryDir();
+    QVERIFY(dir.isValid());
+    const int count = 100000;
+    const QByteArray proc = QFile::encodeName(dir.path()) + "/proc/";
+    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("proc")));
+    QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/stat")), cpuStat("cpu  1 2 3 4")));
+    // Plain system calls: QFile per file would make the set-up the slowest part.
+    for (int pid = 1; pid <= count; ++pid) {
+        const QByteArray pidDir = proc + QByteArray::number(pid);
+        QCOMPARE(::mkdir(pidDir.constData(), 0755), 0);
+        const QByteArray line = QByteArray::number(pid) + " (worker " + QByteArray::number(pid)
+            + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 " + QByteArray::number(pid % 3600 * 100)
+            + " 5435392 710\n";
+        const int fd = ::open((pidDir + "/stat").constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        QVERIFY(fd >= 0);
+        const bool written = ::write(fd, line.constData(), size_t(line.size())) == line.size();
+        ::close(fd);
+        QVERIFY(written);
+    }
+
+    StatCore core(dir.path(), dir.path(), 4096);
+    const std::optional<QList<ProcessRecord>> processes = core.runningProcesses();
+    QVERIFY(processes);
+    QCOMPARE(processes->size(), count);
+    qint64 pidSum = 0;
+    for (const ProcessRecord &record : *processes) {
+        const int pid = record.pid.toInt();
+        pidSum += pid;
+        if (record.processName != QStringLiteral("worker %1").arg(pid) || record.startTime.isEmpty())
+            QFAIL(qPrintable(QStringLiteral("pid %1 read wrongly").arg(record.pid)));
+    }
+    QCOMPARE(pidSum, qint64(count) * (count + 1) / 2);
+    // The second scan takes every start time from the cache and must agree.
+    QCOMPARE(core.runningProcesses(), processes);
 }
 
 void TestStatCore::byteFormatter_data()
