@@ -1,3 +1,4 @@
+#include "FixtureTree.h"
 #include "ProcReader.h"
 
 #include <QDir>
@@ -7,22 +8,11 @@
 
 namespace {
 
-QString fixture(const char *name)
-{
-    return QStringLiteral(KOVAR_FIXTURES "/") + QLatin1String(name);
-}
-
 QByteArray statLine(int pid, const QByteArray &comm, int priority, quint64 startTicks)
 {
     return QByteArray::number(pid) + " (" + comm + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 "
         + QByteArray::number(priority) + " 0 1 0 " + QByteArray::number(startTicks)
         + " 5435392 710 18446744073709551615 0 0 0 0 0 0 0\n";
-}
-
-bool writeFile(const QString &path, const QByteArray &data)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(data) == data.size();
 }
 
 } // namespace
@@ -180,14 +170,14 @@ void TestProcReader::fixtureCounters_data()
     QTest::addColumn<qint64>("bootTime"); // -1: none
     QTest::addColumn<qint64>("memTotal"); // -1: none
 
-    QTest::newRow("x86-64 laptop") << fixture("proc-x86-laptop") << true << 31186u << 14477u << qint64(1700000000)
+    QTest::newRow("x86-64 laptop") << FixtureTree::path("proc-x86-laptop") << true << 31186u << 14477u << qint64(1700000000)
                                    << qint64(24683620);
-    QTest::newRow("arm64 phone, 8 cpus") << fixture("proc-arm64-phone") << true << 402817u << 193117u
+    QTest::newRow("arm64 phone, 8 cpus") << FixtureTree::path("proc-arm64-phone") << true << 402817u << 193117u
                                          << qint64(1699990000) << qint64(3809856);
-    QTest::newRow("container with empty files") << fixture("proc-container-empty") << false << 0u << 0u << qint64(-1)
+    QTest::newRow("container with empty files") << FixtureTree::path("proc-container-empty") << false << 0u << 0u << qint64(-1)
                                                 << qint64(-1);
-    QTest::newRow("damaged counters") << fixture("proc-x86-damaged") << false << 0u << 0u << qint64(-1) << qint64(-1);
-    QTest::newRow("no proc at all") << fixture("does-not-exist") << false << 0u << 0u << qint64(-1) << qint64(-1);
+    QTest::newRow("damaged counters") << FixtureTree::path("proc-x86-damaged") << false << 0u << 0u << qint64(-1) << qint64(-1);
+    QTest::newRow("no proc at all") << FixtureTree::path("does-not-exist") << false << 0u << 0u << qint64(-1) << qint64(-1);
 }
 
 void TestProcReader::fixtureCounters()
@@ -217,13 +207,13 @@ void TestProcReader::processStatsOfTrees_data()
     QTest::addColumn<bool>("readable");
     QTest::addColumn<QList<int>>("pids"); // sorted
 
-    QTest::newRow("laptop: every pid read") << fixture("proc-x86-laptop") << true
+    QTest::newRow("laptop: every pid read") << FixtureTree::path("proc-x86-laptop") << true
                                             << QList<int>{1, 2, 15, 57, 812, 1534, 2201};
-    QTest::newRow("phone: every pid read") << fixture("proc-arm64-phone") << true << QList<int>{1, 214, 640, 1320, 2675};
+    QTest::newRow("phone: every pid read") << FixtureTree::path("proc-arm64-phone") << true << QList<int>{1, 214, 640, 1320, 2675};
     QTest::newRow("damaged: only the sound stat survives, non-pid dirs ignored")
-        << fixture("proc-x86-damaged") << true << QList<int>{100};
-    QTest::newRow("container: readable but empty") << fixture("proc-container-empty") << true << QList<int>{};
-    QTest::newRow("missing proc is unreadable") << fixture("does-not-exist") << false << QList<int>{};
+        << FixtureTree::path("proc-x86-damaged") << true << QList<int>{100};
+    QTest::newRow("container: readable but empty") << FixtureTree::path("proc-container-empty") << true << QList<int>{};
+    QTest::newRow("missing proc is unreadable") << FixtureTree::path("does-not-exist") << false << QList<int>{};
 }
 
 void TestProcReader::processStatsOfTrees()
@@ -251,7 +241,7 @@ void TestProcReader::pidDirectoryWithoutStatIsSkipped()
     QVERIFY(dir.isValid());
     QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("proc/104")));
     QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("proc/200")));
-    QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/200/stat")), statLine(200, "survivor", 20, 5)));
+    QVERIFY(FixtureTree::writeFile(dir.filePath(QStringLiteral("proc/200/stat")), statLine(200, "survivor", 20, 5)));
 
     const std::optional<QList<ProcReader::ProcStat>> stats = ProcReader(dir.path()).processStats();
     QVERIFY(stats);
