@@ -1,7 +1,9 @@
+#include "FixtureTree.h"
 #include "StatCore.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMutex>
 #include <QTemporaryDir>
 #include <QTest>
@@ -10,37 +12,14 @@
 #include <unicode/uloc.h>
 
 #include <atomic>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
 namespace {
-
-QString fixture(const char *name)
-{
-    return QStringLiteral(KOVAR_FIXTURES "/") + QLatin1String(name);
-}
-
-bool writeFile(const QString &path, const QByteArray &data)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(data) == data.size();
-}
-
-// A writable copy of a fixture tree, so a test can change counters between samples.
-bool copyTree(const QString &from, const QString &to)
-{
-    const QDir source(from);
-    if (!QDir().mkpath(to))
-        return false;
-    for (const QFileInfo &entry : source.entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot)) {
-        const QString target = to + QLatin1Char('/') + entry.fileName();
-        if (entry.isDir() ? !copyTree(entry.filePath(), target) : !QFile::copy(entry.filePath(), target))
-            return false;
-    }
-    return true;
-}
 
 QByteArray cpuStat(const QByteArray &cpuLine)
 {
@@ -102,6 +81,7 @@ private Q_SLOTS:
     void runningProcessesNil_data();
     void runningProcessesNil();
     void startTimeFollowsPidReuse();
+    void hundredThousandProcesses();
 
     void byteFormatter_data();
     void byteFormatter();
@@ -176,11 +156,11 @@ void TestStatCore::cpuUsage()
 
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(copyTree(fixture("proc-x86-laptop"), dir.path()));
+    QVERIFY(FixtureTree::copy(FixtureTree::path("proc-x86-laptop"), dir.path()));
     const QString statPath = dir.filePath(QStringLiteral("proc/stat"));
-    QVERIFY(writeFile(statPath, cpuStat(before)));
+    QVERIFY(FixtureTree::writeFile(statPath, cpuStat(before)));
     StatCore core(dir.path(), dir.path(), 4096);
-    QVERIFY(writeFile(statPath, cpuStat(after)));
+    QVERIFY(FixtureTree::writeFile(statPath, cpuStat(after)));
 
     const CpuUsageData data = core.cpuUsage();
     QCOMPARE(data.user, user);
@@ -201,11 +181,11 @@ void TestStatCore::cpuFirstSampleCoversTimeSinceCreation()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(copyTree(fixture("proc-arm64-phone"), dir.path()));
+    QVERIFY(FixtureTree::copy(FixtureTree::path("proc-arm64-phone"), dir.path()));
     const QString statPath = dir.filePath(QStringLiteral("proc/stat"));
     StatCore core(dir.path(), dir.path(), 4096);
     // The phone's total line: 402817 2313 183901 9912331 20873 0 9216.
-    QVERIFY(writeFile(statPath, cpuStat("cpu  402917 2313 183951 9912431 20873 0 9266 0 0 0")));
+    QVERIFY(FixtureTree::writeFile(statPath, cpuStat("cpu  402917 2313 183951 9912431 20873 0 9266 0 0 0")));
     const CpuUsageData data = core.cpuUsage();
     QCOMPARE(data.user, 100u);
     QCOMPARE(data.system, 100u);
@@ -217,11 +197,11 @@ void TestStatCore::cpuUnreadableKeepsLastSample()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(copyTree(fixture("proc-x86-laptop"), dir.path()));
+    QVERIFY(FixtureTree::copy(FixtureTree::path("proc-x86-laptop"), dir.path()));
     const QString statPath = dir.filePath(QStringLiteral("proc/stat"));
-    QVERIFY(writeFile(statPath, cpuStat("cpu  0 0 0 0 0 0 0 0 0 0")));
+    QVERIFY(FixtureTree::writeFile(statPath, cpuStat("cpu  0 0 0 0 0 0 0 0 0 0")));
     StatCore core(dir.path(), dir.path(), 4096);
-    QVERIFY(writeFile(statPath, cpuStat("cpu  10 0 10 20 0 0 0 0 0 0")));
+    QVERIFY(FixtureTree::writeFile(statPath, cpuStat("cpu  10 0 10 20 0 0 0 0 0 0")));
     QCOMPARE(core.cpuUsage().usage, 50.0);
 
     QVERIFY(QFile::remove(statPath));
@@ -230,7 +210,7 @@ void TestStatCore::cpuUnreadableKeepsLastSample()
     QVERIFY(qIsNaN(missing.usage));
 
     // Once the file is back, the delta runs from the last sound sample.
-    QVERIFY(writeFile(statPath, cpuStat("cpu  15 0 15 30 0 0 0 0 0 0")));
+    QVERIFY(FixtureTree::writeFile(statPath, cpuStat("cpu  15 0 15 30 0 0 0 0 0 0")));
     const CpuUsageData back = core.cpuUsage();
     QCOMPARE(back.user, 5u);
     QCOMPARE(back.system, 5u);
@@ -279,7 +259,7 @@ void TestStatCore::memoryUsage()
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("proc")));
-    QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/meminfo")), meminfo));
+    QVERIFY(FixtureTree::writeFile(dir.filePath(QStringLiteral("proc/meminfo")), meminfo));
     const StatCore core(dir.path(), dir.path(), pageSize);
     const LogCapture log;
     const MemoryUsageData data = core.memoryUsage();
@@ -314,16 +294,16 @@ void TestStatCore::memoryFailureLogs_data()
     const QString user = QStringLiteral("#### Getting user memory error!!");
     const QString page = QStringLiteral("#### Getting page size error!!");
 
-    QTest::newRow("missing meminfo logs three lines") << fixture("does-not-exist") << QByteArray() << 4096L
+    QTest::newRow("missing meminfo logs three lines") << FixtureTree::path("does-not-exist") << QByteArray() << 4096L
                                                       << QStringList{vm, physical, user} << quint64(0) << quint64(0);
-    QTest::newRow("empty meminfo of a container") << fixture("proc-container-empty") << QByteArray() << 4096L
+    QTest::newRow("empty meminfo of a container") << FixtureTree::path("proc-container-empty") << QByteArray() << 4096L
                                                   << QStringList{vm, physical, user} << quint64(0) << quint64(0);
-    QTest::newRow("garbage meminfo") << fixture("proc-x86-damaged") << QByteArray() << 4096L << QStringList{vm, physical, user}
+    QTest::newRow("garbage meminfo") << FixtureTree::path("proc-x86-damaged") << QByteArray() << 4096L << QStringList{vm, physical, user}
                                      << quint64(0) << quint64(0);
-    QTest::newRow("failed page size query") << fixture("proc-arm64-phone") << QByteArray() << -1L << QStringList{page}
+    QTest::newRow("failed page size query") << FixtureTree::path("proc-arm64-phone") << QByteArray() << -1L << QStringList{page}
                                             << quint64(3809856) * 1024 << quint64(212744 + 1466140 + 1344684) * 1024;
     QTest::newRow("sound phone meminfo logs nothing")
-        << fixture("proc-arm64-phone") << QByteArray() << 4096L << QStringList{} << quint64(3809856) * 1024
+        << FixtureTree::path("proc-arm64-phone") << QByteArray() << 4096L << QStringList{} << quint64(3809856) * 1024
         << quint64(212744 + 1466140 + 1344684) * 1024;
     QTest::newRow("failed user memory repeats the physical figure")
         << QString() << QByteArray("MemTotal: 8000 kB\nMemFree: 100 kB\n") << 4096L << QStringList{vm, user}
@@ -346,7 +326,7 @@ void TestStatCore::memoryFailureLogs()
     QVERIFY(dir.isValid());
     if (tree.isEmpty()) {
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("proc")));
-        QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/meminfo")), meminfo));
+        QVERIFY(FixtureTree::writeFile(dir.filePath(QStringLiteral("proc/meminfo")), meminfo));
         tree = dir.path();
     }
     const StatCore core(tree, tree, pageSize);
@@ -363,7 +343,7 @@ void TestStatCore::diskUsage_data()
     QTest::addColumn<bool>("known");
 
     QTest::newRow("existing home directory") << QDir::tempPath() << true;
-    QTest::newRow("home that does not exist") << fixture("does-not-exist/home") << false;
+    QTest::newRow("home that does not exist") << FixtureTree::path("does-not-exist/home") << false;
     QTest::newRow("no home at all") << QString() << false;
 }
 
@@ -372,7 +352,7 @@ void TestStatCore::diskUsage()
     QFETCH(QString, home);
     QFETCH(bool, known);
 
-    const StatCore core(fixture("proc-x86-laptop"), home, 4096);
+    const StatCore core(FixtureTree::path("proc-x86-laptop"), home, 4096);
     const DiskUsageData data = core.diskUsage();
     if (!known) {
         QCOMPARE(data.totalSize, 0.0);
@@ -401,7 +381,7 @@ void TestStatCore::runningProcesses_data()
         return QLatin1String(dateTime) + nbsp + QLatin1String(half);
     };
     QTest::newRow("laptop: spaces, parentheses, real-time priority")
-        << fixture("proc-x86-laptop")
+        << FixtureTree::path("proc-x86-laptop")
         << QList<QStringList>{
                {"1", "systemd", "20", at("Nov 14, 2023, 10:13:32", "PM")},
                {"2", "kthreadd", "20", at("Nov 14, 2023, 10:13:32", "PM")},
@@ -412,7 +392,7 @@ void TestStatCore::runningProcesses_data()
                {"2201", "a) b (c", "39", at("Nov 15, 2023, 10:13:20", "PM")},
            };
     QTest::newRow("phone: negative irq thread priority")
-        << fixture("proc-arm64-phone")
+        << FixtureTree::path("proc-arm64-phone")
         << QList<QStringList>{
                {"1", "systemd", "20", at("Nov 14, 2023, 7:26:42", "PM")},
                {"214", "irq/123-q6v5", "-51", at("Nov 14, 2023, 7:26:43", "PM")},
@@ -421,7 +401,7 @@ void TestStatCore::runningProcesses_data()
                {"2675", "gnome-calls", "30", at("Nov 14, 2023, 8:26:40", "PM")},
            };
     QTest::newRow("damaged: sound pid kept, unknown boot time counts from 1970")
-        << fixture("proc-x86-damaged")
+        << FixtureTree::path("proc-x86-damaged")
         << QList<QStringList>{{"100", "init", "20", at("Jan 1, 1970, 12:00:05", "AM")}};
 }
 
@@ -466,8 +446,8 @@ void TestStatCore::runningProcesses()
 void TestStatCore::runningProcessesNil_data()
 {
     QTest::addColumn<QString>("tree");
-    QTest::newRow("no proc directory") << fixture("does-not-exist");
-    QTest::newRow("proc without a single process") << fixture("proc-container-empty");
+    QTest::newRow("no proc directory") << FixtureTree::path("does-not-exist");
+    QTest::newRow("proc without a single process") << FixtureTree::path("proc-container-empty");
 }
 
 void TestStatCore::runningProcessesNil()
@@ -481,7 +461,7 @@ void TestStatCore::startTimeFollowsPidReuse()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    QVERIFY(copyTree(fixture("proc-x86-laptop"), dir.path()));
+    QVERIFY(FixtureTree::copy(FixtureTree::path("proc-x86-laptop"), dir.path()));
     StatCore core(dir.path(), dir.path(), 4096);
     const auto startOf = [](const QList<ProcessRecord> &list, const QString &pid) {
         for (const ProcessRecord &record : list) {
@@ -499,7 +479,7 @@ void TestStatCore::startTimeFollowsPidReuse()
     QVERIFY(QDir(dir.filePath(QStringLiteral("proc/1534"))).removeRecursively());
     QVERIFY(core.runningProcesses());
     QVERIFY(QDir(dir.path()).mkpath(QStringLiteral("proc/1534")));
-    QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/1534/stat")),
+    QVERIFY(FixtureTree::writeFile(dir.filePath(QStringLiteral("proc/1534/stat")),
                       "1534 (Isolated Web) S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 9000000 0 0\n"));
     const std::optional<QList<ProcessRecord>> second = core.runningProcesses();
     QVERIFY(second);
@@ -508,11 +488,53 @@ void TestStatCore::startTimeFollowsPidReuse()
     QCOMPARE(startOf(*second, QStringLiteral("812")), QString());
 
     // Pid 2201 exits and is reused between two scans: the cached text must not stick.
-    QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/2201/stat")),
+    QVERIFY(FixtureTree::writeFile(dir.filePath(QStringLiteral("proc/2201/stat")),
                       "2201 (reused) S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 360000 0 0\n"));
     const std::optional<QList<ProcessRecord>> third = core.runningProcesses();
     QVERIFY(third);
     QCOMPARE(startOf(*third, QStringLiteral("2201")), QStringLiteral("Nov 14, 2023, 11:13:20\u202fPM"));
+}
+
+void TestStatCore::hundredThousandProcesses()
+{
+    // 100,000 directories cost minutes on a disk-backed file system under the
+    // sanitizers and seconds in memory: use the shared-memory file system when there is one.
+    const QString shm = QStringLiteral("/dev/shm");
+    QTemporaryDir dir = QFileInfo(shm).isWritable() ? QTemporaryDir(shm + QStringLiteral("/kovar-statcore-XXXXXX"))
+                                                    : QTemporaryDir();
+    QVERIFY(dir.isValid());
+    const int count = 100000;
+    const QByteArray proc = QFile::encodeName(dir.path()) + "/proc/";
+    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("proc")));
+    QVERIFY(FixtureTree::writeFile(dir.filePath(QStringLiteral("proc/stat")), cpuStat("cpu  1 2 3 4")));
+    // Plain system calls: QFile per file would make the set-up the slowest part.
+    for (int pid = 1; pid <= count; ++pid) {
+        const QByteArray pidDir = proc + QByteArray::number(pid);
+        QCOMPARE(::mkdir(pidDir.constData(), 0755), 0);
+        const QByteArray line = QByteArray::number(pid) + " (worker " + QByteArray::number(pid)
+            + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 " + QByteArray::number(pid % 3600 * 100)
+            + " 5435392 710\n";
+        const int fd = ::open((pidDir + "/stat").constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        QVERIFY(fd >= 0);
+        const bool written = ::write(fd, line.constData(), size_t(line.size())) == line.size();
+        ::close(fd);
+        QVERIFY(written);
+    }
+
+    StatCore core(dir.path(), dir.path(), 4096);
+    const std::optional<QList<ProcessRecord>> processes = core.runningProcesses();
+    QVERIFY(processes);
+    QCOMPARE(processes->size(), count);
+    qint64 pidSum = 0;
+    for (const ProcessRecord &record : *processes) {
+        const int pid = record.pid.toInt();
+        pidSum += pid;
+        if (record.processName != QStringLiteral("worker %1").arg(pid) || record.startTime.isEmpty())
+            QFAIL(qPrintable(QStringLiteral("pid %1 read wrongly").arg(record.pid)));
+    }
+    QCOMPARE(pidSum, qint64(count) * (count + 1) / 2);
+    // The second scan takes every start time from the cache and must agree.
+    QCOMPARE(core.runningProcesses(), processes);
 }
 
 void TestStatCore::byteFormatter_data()

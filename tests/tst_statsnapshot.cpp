@@ -1,18 +1,10 @@
+#include "FixtureTree.h"
 #include "StatCore.h"
 #include "StatSnapshot.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTest>
-
-namespace {
-
-QString fixture(const char *name)
-{
-    return QStringLiteral(KOVAR_FIXTURES "/") + QLatin1String(name);
-}
-
-} // namespace
 
 class TestStatSnapshot : public QObject {
     Q_OBJECT
@@ -31,9 +23,9 @@ void TestStatSnapshot::capture_data()
     QTest::addColumn<qint64>("physical");
     QTest::addColumn<int>("memoryWarnings");
 
-    QTest::newRow("laptop") << fixture("proc-x86-laptop") << 7 << qint64(24683620) * 1024 << 0;
-    QTest::newRow("phone") << fixture("proc-arm64-phone") << 5 << qint64(3809856) * 1024 << 0;
-    QTest::newRow("empty container: null table, zero memory") << fixture("proc-container-empty") << -1 << qint64(0) << 3;
+    QTest::newRow("laptop") << FixtureTree::path("proc-x86-laptop") << 7 << qint64(24683620) * 1024 << 0;
+    QTest::newRow("phone") << FixtureTree::path("proc-arm64-phone") << 5 << qint64(3809856) * 1024 << 0;
+    QTest::newRow("empty container: null table, zero memory") << FixtureTree::path("proc-container-empty") << -1 << qint64(0) << 3;
 }
 
 void TestStatSnapshot::capture()
