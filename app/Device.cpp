@@ -1,5 +1,7 @@
 #include "Device.h"
 
+#include "DeviceIdentity.h"
+
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -140,27 +142,22 @@ bool Device::isUsingUPower() const
 
 QString Device::name() const
 {
-    return m_identity.name;
+    return DeviceIdentity(m_sysfsRoot).name();
 }
 
 QString Device::uniqueIdentifier() const
 {
-    return m_identity.uniqueIdentifier;
+    return DeviceIdentity(m_sysfsRoot).uniqueIdentifier();
 }
 
 QString Device::systemName() const
 {
-    return m_identity.systemName;
+    return DeviceIdentity(m_sysfsRoot).systemName();
 }
 
 QString Device::systemVersion() const
 {
-    return m_identity.systemVersion;
-}
-
-void Device::setIdentity(const Identity &identity)
-{
-    m_identity = identity;
+    return DeviceIdentity(m_sysfsRoot).systemVersion();
 }
 
 Device::BatteryState Device::stateFromUPower(uint upowerState)

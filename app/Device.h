@@ -12,8 +12,8 @@ class QDBusPendingCallWatcher;
 class QDBusServiceWatcher;
 class QTimer;
 
-// The device this process runs on: its battery, and (once filled in) its name and
-// system identification.
+// The device this process runs on: its battery, its name and its system
+// identification (read from the files under the same root).
 //
 // The battery comes from UPower's display device on the given bus while UPower is
 // there, and from the first battery under <sysfsRoot>/sys/class/power_supply
@@ -36,14 +36,6 @@ public:
         BatteryStateFull = 3,
     };
     Q_ENUM(BatteryState)
-
-    // Identification that other readers supply; empty until setIdentity() is called.
-    struct Identity {
-        QString name;
-        QString uniqueIdentifier;
-        QString systemName;
-        QString systemVersion;
-    };
 
     // Without a bus only the power-supply folder is read.
     explicit Device(const QString &sysfsRoot = QStringLiteral("/"), QObject *parent = nullptr);
@@ -72,7 +64,6 @@ public:
     QString uniqueIdentifier() const;
     QString systemName() const;
     QString systemVersion() const;
-    void setIdentity(const Identity &identity);
 
 Q_SIGNALS:
     void batteryLevelDidChange();
@@ -106,5 +97,4 @@ private:
     QVariantMap m_upowerProperties;
     float m_level = -1.0f;
     BatteryState m_state = BatteryStateUnknown;
-    Identity m_identity;
 };

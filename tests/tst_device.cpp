@@ -62,6 +62,7 @@ class TestDevice : public QObject
 
 private Q_SLOTS:
     void initTestCase();
+    void identityFromTheSameRoot();
 
     void sysfsBattery_data();
     void sysfsBattery();
@@ -87,6 +88,18 @@ void TestDevice::initTestCase()
 {
     m_bus = std::make_unique<PrivateBus>();
     QVERIFY2(m_bus->isRunning(), "could not start a private dbus-daemon");
+}
+
+void TestDevice::identityFromTheSameRoot()
+{
+    const Device device(QStringLiteral(KOVAR_FIXTURES "/sys-x86-vm"));
+    QCOMPARE(device.name(), QStringLiteral("Lab VM \"7\""));
+    QCOMPARE(device.uniqueIdentifier(), QStringLiteral("4c4c4544004b3510804cb4c04f383232"));
+    QCOMPARE(device.systemName(), QStringLiteral("Debian GNU/Linux"));
+    QCOMPARE(device.systemVersion(), QStringLiteral("12"));
+
+    const Device bare(QStringLiteral(KOVAR_FIXTURES "/sys-empty-tree"));
+    QCOMPARE(bare.systemName(), QString());
 }
 
 void TestDevice::sysfsBattery_data()
