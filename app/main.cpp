@@ -1,9 +1,15 @@
+#include "LaunchIdiom.h"
 #include "LaunchOptions.h"
+#include "MonitorAppDelegate.h"
+#include "ScreenshotRunner.h"
+#include "StatCore.h"
+#include "StatSnapshot.h"
 
 #include <QApplication>
 #include <QCoreApplication>
-#include <QWidget>
+#include <QScreen>
 
+#include <chrono>
 #include <cstdio>
 
 int main(int argc, char *argv[])
@@ -29,10 +35,26 @@ int main(int argc, char *argv[])
         return 0;
     }
 
+    if (options.snapshot) {
+        // No display needed: the snapshot only reads the system's counters.
+        QCoreApplication app(argc, argv);
+        const QByteArray json = StatSnapshot::toJson(StatSnapshot::capture(*StatCore::shared(), std::chrono::seconds(1)));
+        std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
+        return 0;
+    }
+
+    const bool screenshot = !options.screenshotDir.isEmpty();
+    if (screenshot)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    QWidget window;
-    window.setWindowTitle(QStringLiteral("KOVAR"));
-    window.resize(320, 480);
-    window.show();
+    const QSize screen = app.primaryScreen() ? app.primaryScreen()->availableSize() : QSize();
+    // Screenshots show the phone layout unless a layout is asked for.
+    const LaunchIdiom::Kind idiom = LaunchIdiom::choose(
+        screenshot && options.idiom == LaunchOptions::Idiom::Automatic ? LaunchOptions::Idiom::Phone : options.idiom,
+        screen);
+    const auto delegate = MonitorAppDelegate::create(idiom, LaunchIdiom::windowSize(idiom, screen));
+    delegate->application(&app, options);
+    if (screenshot)
+        return ScreenshotRunner::run(delegate.get(), options.screenshotDir);
     return app.exec();
 }

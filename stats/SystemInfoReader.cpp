@@ -2,7 +2,7 @@
 
 #include "DeviceIdentity.h"
 #include "SysfsText.h"
-#include "UnitFormatter.h"
+#include "StatCore.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -333,7 +333,7 @@ InfoDictionary SystemInfoReader::systemInfo() const
 {
     const DeviceIdentity identity(m_root);
     auto bytes = [this](std::uint32_t selector) {
-        return UnitFormatter::byteToKiloMegaGigaWithByte(double(getSysInfo(selector)), 0, true);
+        return StatCore::byteToKiloMegaGigaWithByte(double(getSysInfo(selector)), 0, true);
     };
 
     char cpuCount[16];
@@ -354,7 +354,7 @@ InfoDictionary SystemInfoReader::systemInfo() const
                     {{QStringLiteral("Number of Cpus"), QString::fromLatin1(cpuCount)},
                      {QStringLiteral("CPU Frequency"), getCPUFrequency()},
                      {QStringLiteral("TB Frequency"),
-                      UnitFormatter::hzToKiloMegaGigaWithHz(double(getSysInfo(HW_TB_FREQ)), 0, true)},
+                      StatCore::hzToKiloMegaGigaWithHz(double(getSysInfo(HW_TB_FREQ)), 0, true)},
                      {QStringLiteral("Cache Line Size"), bytes(HW_CACHELINE)},
                      {QStringLiteral("L1 I Cache Size"), bytes(HW_L1ICACHESIZE)},
                      {QStringLiteral("L1 D Cache Size"), bytes(HW_L1DCACHESIZE)},

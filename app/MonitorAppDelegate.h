@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+
+#include <memory>
+
+#include "LaunchIdiom.h"
+
+class Device;
+class LaunchOptions;
+class QGuiApplication;
+class QWidget;
+
+// The application delegate: owns the window (a band standing for the opaque black
+// status bar, and the root view under it), switches battery monitoring on while the
+// application is active and off while it is hidden or minimised. The idiom's subclass
+// installs the root screen.
+class MonitorAppDelegate : public QObject
+{
+    Q_OBJECT
+
+public:
+    // device: whose battery monitoring follows the application; Device::currentDevice()
+    // when null.
+    explicit MonitorAppDelegate(QSize windowSize, Device *device = nullptr, QObject *parent = nullptr);
+    ~MonitorAppDelegate() override;
+
+    // The delegate of the idiom: MonitorAppDelegate_iPhone or MonitorAppDelegate_iPad.
+    static std::unique_ptr<MonitorAppDelegate> create(LaunchIdiom::Kind kind, QSize windowSize,
+                                                      Device *device = nullptr);
+
+    QWidget *window() const;
+    QWidget *statusBar() const;
+    QWidget *rootView() const;          // the area under the status bar
+
+    // Launch: battery monitoring on, window shown. Returns true.
+    virtual bool application(QGuiApplication *application, const LaunchOptions &didFinishLaunchingWithOptions);
+
+    void applicationWillResignActive(QGuiApplication *application);
+    void applicationDidEnterBackground(QGuiApplication *application);
+    void applicationWillEnterForeground(QGuiApplication *application);
+    void applicationDidBecomeActive(QGuiApplication *application);
+    void applicationWillTerminate(QGuiApplication *application);
+
+public Q_SLOTS:
+    // Fed by QGuiApplication::applicationStateChanged; a minimised window counts as hidden.
+    void applicationStateDidChange(Qt::ApplicationState state);
+
+protected:
+    Device *device() const;
+    // Puts the root screen's widget into the root view, filling it.
+    void installRootView(QWidget *root);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    Device *m_device;
+    std::unique_ptr<QWidget> m_window;
+    QWidget *m_statusBar = nullptr;
+    QWidget *m_rootView = nullptr;
+    QGuiApplication *m_application = nullptr;
+    bool m_inBackground = false;
+    bool m_minimised = false;
+};

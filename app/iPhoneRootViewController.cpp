@@ -1,0 +1,145 @@
+#include "iPhoneRootViewController.h"
+
+#include "FontTable.h"
+#include "ImageView.h"
+#include "LabelView.h"
+#include "OOPageControl.h"
+#include "PagingScrollView.h"
+#include "StatCore.h"
+#include "OOPageCellButton.h"
+#include "iPhoneNetworkViewController.h"
+#include "iPhoneProcessesViewController.h"
+#include "iPhoneSystemViewController.h"
+#include "iPhoneTotalViewController.h"
+
+#include <QTimer>
+
+#include <cmath>
+
+iPhoneRootViewController::iPhoneRootViewController(QWidget *parent)
+    : QWidget(parent)
+{
+}
+
+iPhoneRootViewController::~iPhoneRootViewController()
+{
+    if (_systemStateGetTimer)
+        _systemStateGetTimer->stop();
+    if (_pageControl)
+        _pageControl->setDelegate(nullptr);
+}
+
+void iPhoneRootViewController::viewDidLoad()
+{
+    const int W = width();
+    const int H = height();
+
+    new ImageView(rect(), QStringLiteral("bg.png"), this);
+
+    auto *title = new LabelView(QRect(8, 4, 40, 15), QStringLiteral("KOVAR"),
+                                FontTable::font(QStringLiteral("CourierNewPS-BoldMT"), 12), this);
+    title->setAlignment(Qt::AlignHCenter);
+
+    _pageControl = new OOPageControl(QRect(50, 0, W - 50, 20), 4, this);
+    _pageControl->setDelegate(this);
+    _pageControl->setCurrentPage(0);
+    _pageControl->setTitles({QStringLiteral("Summary"), QStringLiteral("Processes"), QStringLiteral("System"),
+                             QStringLiteral("Network")});
+
+    _mainScrollView = new PagingScrollView(this);
+    _mainScrollView->setGeometry(0, 0, W, H);
+    _mainScrollView->setContentSize(QSize(4 * W, _mainScrollView->height()));
+    connect(_mainScrollView, &PagingScrollView::didEndDecelerating, this,
+            &iPhoneRootViewController::scrollViewDidEndDecelerating);
+
+    QWidget *pages = _mainScrollView->contentView();
+    _totalViewController = new iPhoneTotalViewController(pages);
+    _totalViewController->setGeometry(0, 0, W, H);
+    _totalViewController->viewDidLoad();
+    _processesViewController = new iPhoneProcessesViewController(pages);
+    _processesViewController->setGeometry(W, 0, W, H);
+    _processesViewController->viewDidLoad();
+    _systemViewController = new iPhoneSystemViewController(pages);
+    _systemViewController->setGeometry(2 * W, 0, W, H);
+    _systemViewController->viewDidLoad();
+    _networkViewController = new iPhoneNetworkViewController(pages);
+    _networkViewController->setGeometry(3 * W, 0, W, H);
+    _networkViewController->viewDidLoad();
+
+    // Prime the sampler so the first tick reports the load over one period, not since boot.
+    StatCore::shared()->cpuUsage();
+
+    _systemStateGetTimer = new QTimer(this);
+    _systemStateGetTimer->setInterval(RefreshIntervalMs);
+    connect(_systemStateGetTimer, &QTimer::timeout, this, &iPhoneRootViewController::refreshSystemState);
+    _systemStateGetTimer->start();
+
+    // The banner controller places its banner here, 50 points above the foot.
+    _bannerYPoint = H - BannerHeight;
+
+    // Each tab covers a quarter of the page control. A quarter need not be a whole
+    // pixel (67.5 on a 320-point screen), so the edges are rounded and the tabs still tile.
+    const qreal q = (W - 50) / 4.0;
+    for (int i = 0; i < 4; ++i) {
+        auto *button = new OOPageCellButton(this);
+        const int left = int(std::lround(50 + i * q));
+        const int right = int(std::lround(50 + (i + 1) * q));
+        button->setGeometry(left, 0, right - left, 20);
+        button->setProperty("frame", QRectF(50 + i * q, 0, q, 20));
+        button->setProperty("tag", i);
+        connect(button, &QAbstractButton::clicked, this, [this, button] { buttonWasTouchUpInside(button); });
+        _tabButtons << button;
+    }
+
+    // The root may already be on screen when it is built; children added to a visible
+    // widget stay hidden until shown.
+    for (QWidget *child : findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
+        child->show();
+}
+
+void iPhoneRootViewController::refreshSystemState()
+{
+    StatCore *core = StatCore::shared();
+    const CpuUsageData cpu = core->cpuUsage();
+    _totalViewController->setCpuUsageData(cpu);
+    _processesViewController->setCpuUsageData(cpu);
+    _totalViewController->setMemoryUsageData(core->memoryUsage());
+    _processesViewController->setProcData(core->runningProcesses());
+}
+
+void iPhoneRootViewController::buttonWasTouchUpInside(QAbstractButton *sender)
+{
+    if (!sender)
+        return;
+    const int page = sender->property("tag").toInt();
+    _pageControl->setCurrentPage(page);
+    _mainScrollView->setContentOffset(QPointF(page * _mainScrollView->width(), 0), true);
+}
+
+void iPhoneRootViewController::scrollViewDidEndDecelerating(PagingScrollView *scrollView)
+{
+    if (scrollView != _mainScrollView || width() <= 0)
+        return;
+    _pageControl->setCurrentPage(int(scrollView->contentOffset().x() / width()));
+}
+
+void iPhoneRootViewController::pageControlClicked(OOPageControl *, int)
+{
+}
+
+void iPhoneRootViewController::receiveAd(const QVariantMap &)
+{
+    if (_mainScrollView->height() != height())
+        return;
+    const int shortened = height() - BannerHeight;
+    _mainScrollView->setGeometry(_mainScrollView->x(), _mainScrollView->y(), _mainScrollView->width(), shortened);
+    _mainScrollView->setContentSize(QSize(4 * _mainScrollView->width(), shortened));
+    // The pages follow the pager's height, as views that stretch with their parent do.
+    for (QWidget *page : {static_cast<QWidget *>(_totalViewController), static_cast<QWidget *>(_processesViewController),
+                          static_cast<QWidget *>(_systemViewController), static_cast<QWidget *>(_networkViewController)})
+        page->resize(page->width(), shortened);
+    _totalViewController->setFrameForAd();
+    _processesViewController->setFrameForAd();
+    _systemViewController->setFrameForAd();
+    _networkViewController->setFrameForAd();
+}

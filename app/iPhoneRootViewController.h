@@ -1,0 +1,59 @@
+#pragma once
+
+#include "OOPageControlDelegate.h"
+
+#include <QVariantMap>
+#include <QWidget>
+
+class OOPageControl;
+class PagingScrollView;
+class QAbstractButton;
+class QTimer;
+class iPhoneTotalViewController;
+class iPhoneProcessesViewController;
+class iPhoneSystemViewController;
+class iPhoneNetworkViewController;
+
+// The phone's root screen: title bar with the page indicator, the four pages side by
+// side in a horizontal pager, and the two-second refresh that feeds the pages.
+class iPhoneRootViewController : public QWidget, public OOPageControlDelegate {
+    Q_OBJECT
+public:
+    static constexpr int RefreshIntervalMs = 2000;
+    static constexpr int BannerHeight = 50;
+
+    explicit iPhoneRootViewController(QWidget *parent = nullptr);
+    ~iPhoneRootViewController() override;
+
+    // Builds the screen at the widget's current size; call once.
+    void viewDidLoad();
+
+    void refreshSystemState();
+    void buttonWasTouchUpInside(QAbstractButton *sender);
+    void scrollViewDidEndDecelerating(PagingScrollView *scrollView);
+    void pageControlClicked(OOPageControl *pageControl, int pageNumber) override;
+    // The first arriving banner shortens the pager once to make room for it.
+    void receiveAd(const QVariantMap &userInfo);
+
+    PagingScrollView *mainScrollView() const { return _mainScrollView; }
+    OOPageControl *pageControl() const { return _pageControl; }
+    QTimer *systemStateGetTimer() const { return _systemStateGetTimer; }
+    QList<QAbstractButton *> tabButtons() const { return _tabButtons; }
+    iPhoneTotalViewController *totalViewController() const { return _totalViewController; }
+    iPhoneProcessesViewController *processesViewController() const { return _processesViewController; }
+    iPhoneSystemViewController *systemViewController() const { return _systemViewController; }
+    iPhoneNetworkViewController *networkViewController() const { return _networkViewController; }
+    // Where the banner's top edge sits: 50 points above the foot.
+    int bannerYPoint() const { return _bannerYPoint; }
+
+private:
+    PagingScrollView *_mainScrollView = nullptr;
+    QTimer *_systemStateGetTimer = nullptr;
+    OOPageControl *_pageControl = nullptr;
+    iPhoneTotalViewController *_totalViewController = nullptr;
+    iPhoneProcessesViewController *_processesViewController = nullptr;
+    iPhoneSystemViewController *_systemViewController = nullptr;
+    iPhoneNetworkViewController *_networkViewController = nullptr;
+    QList<QAbstractButton *> _tabButtons;
+    int _bannerYPoint = 0;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QFont>
+#include <QStyledItemDelegate>
+
+// Paints one 40-point process row: a black stripe at 0.3 alpha on odd rows, the pid
+// on the left, name over start time in the middle, the priority centred on the right.
+// No widget per row: the table only ever asks this delegate to paint.
+class ProcessCellDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+public:
+    static constexpr int RowHeight = 40;
+    static constexpr qreal StripeAlpha = 0.3;
+
+    explicit ProcessCellDelegate(QObject *parent = nullptr);
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+private:
+    QFont _font;
+};

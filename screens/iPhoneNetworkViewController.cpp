@@ -1,0 +1,6 @@
+#include "iPhoneNetworkViewController.h"
+
+iPhoneNetworkViewController::iPhoneNetworkViewController(QWidget *parent)
+    : InfoPage(QStringLiteral("Network Information"), parent)
+{
+}

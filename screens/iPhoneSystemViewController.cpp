@@ -1,0 +1,6 @@
+#include "iPhoneSystemViewController.h"
+
+iPhoneSystemViewController::iPhoneSystemViewController(QWidget *parent)
+    : InfoPage(QStringLiteral("System Information"), parent)
+{
+}

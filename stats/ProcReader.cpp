@@ -1,0 +1,292 @@
+#include "ProcReader.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// Reads a whole (small, pseudo) file with plain system calls: QFile's buffering and
+// signals cost more than the read itself when hundreds of files are read per tick.
+std::optional<QByteArray> readFile(const QByteArray &path)
+{
+    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return std::nullopt;
+    QByteArray data;
+    qsizetype used = 0;
+    data.resize(4096);
+    for (;;) {
+        const ssize_t n = ::read(fd, data.data() + used, size_t(data.size() - used));
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            ::close(fd);
+            return std::nullopt;
+        }
+        if (n == 0)
+            break;
+        used += n;
+        if (used == data.size())
+            data.resize(data.size() * 2);
+    }
+    ::close(fd);
+    data.truncate(used);
+    return data;
+}
+
+// Unsigned decimal at *p; advances p. False when there is no digit.
+bool parseUnsigned(const char *&p, const char *end, quint64 &value)
+{
+    while (p < end && (*p == ' ' || *p == '\t'))
+        ++p;
+    const char *start = p;
+    quint64 v = 0;
+    while (p < end && *p >= '0' && *p <= '9') {
+        v = v * 10 + quint64(*p - '0'); // wraps on absurd input, which is fine for tick counters
+        ++p;
+    }
+    value = v;
+    return p != start;
+}
+
+bool parseSigned(const char *&p, const char *end, qint64 &value)
+{
+    while (p < end && (*p == ' ' || *p == '\t'))
+        ++p;
+    bool negative = false;
+    if (p < end && (*p == '-' || *p == '+')) {
+        negative = *p == '-';
+        ++p;
+    }
+    quint64 magnitude = 0;
+    if (!parseUnsigned(p, end, magnitude) || magnitude > quint64(LLONG_MAX))
+        return false;
+    value = negative ? -qint64(magnitude) : qint64(magnitude);
+    return true;
+}
+
+// The line starting with key followed by a blank, or nullptr.
+const char *findLine(const char *text, const char *end, const char *key)
+{
+    const size_t keyLength = std::strlen(key);
+    const char *line = text;
+    while (line < end) {
+        if (size_t(end - line) > keyLength && std::memcmp(line, key, keyLength) == 0
+            && (line[keyLength] == ' ' || line[keyLength] == '\t' || line[keyLength] == ':'))
+            return line + keyLength;
+        const void *newline = std::memchr(line, '\n', size_t(end - line));
+        if (!newline)
+            break;
+        line = static_cast<const char *>(newline) + 1;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+ProcReader::ProcReader(const QString &rootDir)
+    : m_root(rootDir)
+{
+    QString dir = rootDir;
+    while (dir.endsWith(QLatin1Char('/')))
+        dir.chop(1);
+    m_procDir = QFile::encodeName(dir) + "/proc";
+}
+
+std::optional<ProcReader::CpuTicks> ProcReader::parseCpuLine(const char *text, qsizetype length)
+{
+    const char *end = text + length;
+    const char *p = findLine(text, end, "cpu");
+    if (!p)
+        return std::nullopt;
+    const void *newline = std::memchr(p, '\n', size_t(end - p));
+    const char *lineEnd = newline ? static_cast<const char *>(newline) : end;
+
+    // user nice system idle iowait irq softirq steal guest guest_nice; old kernels
+    // stop after idle, so later columns default to zero.
+    quint64 field[10] = {};
+    int count = 0;
+    while (count < 10 && parseUnsigned(p, lineEnd, field[count]))
+        ++count;
+    if (count < 4)
+        return std::nullopt;
+
+    CpuTicks ticks;
+    ticks.user = quint32(field[0]);
+    ticks.nice = quint32(field[1]);
+    ticks.system = quint32(field[2] + field[5] + field[6]);
+    ticks.idle = quint32(field[3] + field[4]);
+    return ticks;
+}
+
+ProcReader::MemInfo ProcReader::parseMemInfo(const char *text, qsizetype length)
+{
+    const char *end = text + length;
+    auto field = [&](const char *key) -> std::optional<quint64> {
+        const char *p = findLine(text, end, key);
+        if (!p || *p != ':')
+            return std::nullopt;
+        ++p;
+        quint64 value = 0;
+        if (!parseUnsigned(p, end, value))
+            return std::nullopt;
+        return value;
+    };
+    MemInfo info;
+    info.memTotal = field("MemTotal");
+    info.memFree = field("MemFree");
+    info.active = field("Active");
+    info.inactive = field("Inactive");
+    return info;
+}
+
+std::optional<qint64> ProcReader::parseBootTime(const char *text, qsizetype length)
+{
+    const char *end = text + length;
+    const char *p = findLine(text, end, "btime");
+    qint64 value = 0;
+    if (!p || !parseSigned(p, end, value))
+        return std::nullopt;
+    return value;
+}
+
+std::optional<ProcReader::ProcStat> ProcReader::parseProcStat(const char *text, qsizetype length)
+{
+    const char *end = text + length;
+    // The command name may itself hold spaces and parentheses: it runs from the
+    // first "(" to the last ")".
+    const char *open = static_cast<const char *>(std::memchr(text, '(', size_t(length)));
+    if (!open)
+        return std::nullopt;
+    const char *close = nullptr;
+    for (const char *q = end; q > open + 1;) {
+        --q;
+        if (*q == ')') {
+            close = q;
+            break;
+        }
+    }
+    if (!close)
+        return std::nullopt;
+
+    ProcStat stat;
+    const char *p = text;
+    qint64 pid = 0;
+    if (!parseSigned(p, open, pid) || pid < 0 || pid > INT_MAX)
+        return std::nullopt;
+    stat.pid = int(pid);
+    stat.comm = QByteArray(open + 1, close - open - 1);
+
+    // Field 3 (state) follows the name; then numbers up to field 22.
+    p = close + 1;
+    while (p < end && *p == ' ')
+        ++p;
+    if (p >= end || *p == ' ' || *p == '\n')
+        return std::nullopt;
+    ++p; // state letter
+    for (int field = 4; field <= 22; ++field) {
+        qint64 value = 0;
+        if (!parseSigned(p, end, value))
+            return std::nullopt;
+        if (p < end && *p != ' ' && *p != '\n')
+            return std::nullopt;
+        if (field == 18) {
+            if (value < INT_MIN || value > INT_MAX)
+                return std::nullopt;
+            stat.priority = int(value);
+        } else if (field == 22) {
+            if (value < 0)
+                return std::nullopt;
+            stat.startTicks = quint64(value);
+        }
+    }
+    return stat;
+}
+
+std::optional<ProcReader::CpuTicks> ProcReader::cpuTicks() const
+{
+    const std::optional<QByteArray> data = readFile(m_procDir + "/stat");
+    if (!data)
+        return std::nullopt;
+    return parseCpuLine(data->constData(), data->size());
+}
+
+std::optional<ProcReader::MemInfo> ProcReader::memInfo() const
+{
+    const std::optional<QByteArray> data = readFile(m_procDir + "/meminfo");
+    if (!data)
+        return std::nullopt;
+    return parseMemInfo(data->constData(), data->size());
+}
+
+std::optional<qint64> ProcReader::bootTime() const
+{
+    const std::optional<QByteArray> data = readFile(m_procDir + "/stat");
+    if (!data)
+        return std::nullopt;
+    return parseBootTime(data->constData(), data->size());
+}
+
+std::optional<QList<int>> ProcReader::pids() const
+{
+    DIR *dir = ::opendir(m_procDir.constData());
+    if (!dir)
+        return std::nullopt;
+    QList<int> result;
+    while (const dirent *entry = ::readdir(dir)) {
+        const char *name = entry->d_name;
+        if (*name < '1' || *name > '9')
+            continue;
+        long long pid = 0;
+        const char *p = name;
+        while (*p >= '0' && *p <= '9' && pid <= INT_MAX)
+            pid = pid * 10 + (*p++ - '0');
+        if (*p == '\0' && pid <= INT_MAX)
+            result.append(int(pid));
+    }
+    ::closedir(dir);
+    return result;
+}
+
+QByteArray ProcReader::statPath(int pid) const
+{
+    return m_procDir + '/' + QByteArray::number(pid) + "/stat";
+}
+
+std::optional<QList<ProcReader::ProcStat>> ProcReader::processStats() const
+{
+    const std::optional<QList<int>> pidList = pids();
+    if (!pidList)
+        return std::nullopt;
+
+    QList<ProcStat> result;
+    result.reserve(pidList->size());
+    // One buffer and one path for the whole scan; a stat line is well under 1 KB.
+    QByteArray path = m_procDir + '/';
+    const qsizetype prefix = path.size();
+    char buffer[4096];
+    for (int pid : *pidList) {
+        path.truncate(prefix);
+        path += QByteArray::number(pid);
+        path += "/stat";
+        const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            continue; // gone since the directory was read
+        ssize_t n;
+        do {
+            n = ::read(fd, buffer, sizeof buffer);
+        } while (n < 0 && errno == EINTR);
+        ::close(fd);
+        if (n <= 0)
+            continue;
+        if (std::optional<ProcStat> stat = parseProcStat(buffer, n))
+            result.append(std::move(*stat));
+    }
+    return result;
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+// Reads the kernel's text files under a root directory ("/" on a live system, a
+// fixture tree in tests). Nothing is ever written. Every reader answers nullopt
+// (or leaves a field unset) instead of guessing when a file is missing or garbled.
+class ProcReader {
+public:
+    // Cumulative ticks of /proc/stat's first line, folded into four classes and cut
+    // to 32 bits: callers difference them in unsigned 32-bit arithmetic.
+    struct CpuTicks {
+        quint32 user = 0;
+        quint32 system = 0;
+        quint32 idle = 0;
+        quint32 nice = 0;
+    };
+
+    // The /proc/meminfo lines that the memory figures need, in kB.
+    struct MemInfo {
+        std::optional<quint64> memTotal;
+        std::optional<quint64> memFree;
+        std::optional<quint64> active;
+        std::optional<quint64> inactive;
+    };
+
+    // The fields of /proc/[pid]/stat that the process table shows.
+    struct ProcStat {
+        int pid = 0;
+        QByteArray comm;
+        int priority = 0;
+        quint64 startTicks = 0; // clock ticks after boot
+    };
+
+    explicit ProcReader(const QString &rootDir = QStringLiteral("/"));
+
+    QString rootDir() const { return m_root; }
+
+    std::optional<CpuTicks> cpuTicks() const;
+    std::optional<MemInfo> memInfo() const;
+    std::optional<qint64> bootTime() const; // seconds since 1970, "btime" of /proc/stat
+
+    // Every process whose stat file could be read, in directory order.
+    // nullopt when the proc directory itself cannot be read.
+    std::optional<QList<ProcStat>> processStats() const;
+
+    // The pid directories in directory order; nullopt when unreadable.
+    std::optional<QList<int>> pids() const;
+    // Path of the stat file of pid, as the C library wants it.
+    QByteArray statPath(int pid) const;
+
+    static std::optional<CpuTicks> parseCpuLine(const char *text, qsizetype length);
+    static MemInfo parseMemInfo(const char *text, qsizetype length);
+    static std::optional<qint64> parseBootTime(const char *text, qsizetype length);
+    static std::optional<ProcStat> parseProcStat(const char *text, qsizetype length);
+
+private:
+    QString m_root;
+    QByteArray m_procDir; // encoded ".../proc"
+};

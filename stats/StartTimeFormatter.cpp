@@ -1,0 +1,38 @@
+#include "StartTimeFormatter.h"
+
+#include <unicode/udat.h>
+
+StartTimeFormatter::StartTimeFormatter(const QByteArray &locale, const QString &timeZone)
+{
+    static_assert(sizeof(UChar) == sizeof(char16_t));
+    UErrorCode status = U_ZERO_ERROR;
+    const UChar *zone = timeZone.isEmpty() ? nullptr : reinterpret_cast<const UChar *>(timeZone.utf16());
+    UDateFormat *format = udat_open(UDAT_MEDIUM, UDAT_MEDIUM, locale.isEmpty() ? nullptr : locale.constData(),
+                                    zone, zone ? int32_t(timeZone.size()) : -1, nullptr, -1, &status);
+    if (U_FAILURE(status)) {
+        if (format)
+            udat_close(format);
+        return;
+    }
+    m_format = format;
+}
+
+StartTimeFormatter::~StartTimeFormatter()
+{
+    if (m_format)
+        udat_close(static_cast<UDateFormat *>(m_format));
+}
+
+QString StartTimeFormatter::format(qint64 secondsSinceEpoch) const
+{
+    if (!m_format)
+        return QString();
+    UChar buffer[128];
+    UErrorCode status = U_ZERO_ERROR;
+    const UDate when = double(secondsSinceEpoch) * 1000.0;
+    const int32_t length = udat_format(static_cast<const UDateFormat *>(m_format), when, buffer,
+                                       int32_t(std::size(buffer)), nullptr, &status);
+    if (U_FAILURE(status) || length <= 0)
+        return QString();
+    return QString::fromUtf16(reinterpret_cast<const char16_t *>(buffer), length);
+}

@@ -1,0 +1,276 @@
+#include "StatCore.h"
+
+#include "StatsLog.h"
+#include "StringPrivate.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMutex>
+
+#include <atomic>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<StatCore *> sharedInstance{nullptr};
+QMutex sharedMutex;
+
+// Truncation toward zero that saturates instead of overflowing, as the unit
+// choice needs (a value of 2^31 units or more still counts as "at least one").
+qint32 saturatingTruncate(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    if (value >= 2147483647.0)
+        return INT_MAX;
+    if (value <= -2147483648.0)
+        return INT_MIN;
+    return qint32(value);
+}
+
+const char *decimalFormat(int decmal)
+{
+    switch (decmal) {
+    case 1:
+        return "%.1f";
+    case 2:
+        return "%.2f";
+    case 3:
+        return "%.3f";
+    default:
+        return "%.0f";
+    }
+}
+
+// std::snprintf, not QString::number: the C library rounds exact halves to even.
+QString printDouble(const char *format, double value)
+{
+    char buffer[512];
+    std::snprintf(buffer, sizeof buffer, format, value);
+    return QString::fromLatin1(buffer);
+}
+
+QString withUnitSpace(const char *unit, bool unitSpace)
+{
+    const QString text = QString::fromLatin1(unit);
+    return unitSpace ? QLatin1Char(' ') + text : text;
+}
+
+} // namespace
+
+StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize)
+    : m_reader(rootDir)
+    , m_homeDir(homeDir)
+    , m_pageSize(pageSize)
+    , m_clockTicks(::sysconf(_SC_CLK_TCK))
+{
+    if (m_clockTicks <= 0)
+        m_clockTicks = 100;
+    // The first cpuUsage() measures the time since construction.
+    if (const std::optional<ProcReader::CpuTicks> ticks = m_reader.cpuTicks())
+        m_prevCpuLoad = *ticks;
+    m_cpuLoad = m_prevCpuLoad;
+}
+
+StatCore::~StatCore() = default;
+
+StatCore *StatCore::shared()
+{
+    if (StatCore *core = sharedInstance.load(std::memory_order_acquire))
+        return core;
+    QMutexLocker locker(&sharedMutex);
+    StatCore *core = sharedInstance.load(std::memory_order_relaxed);
+    if (!core) {
+        QString home = qEnvironmentVariable("HOME");
+        if (home.isEmpty())
+            home = QDir::homePath();
+        core = new StatCore(QStringLiteral("/"), home);
+        sharedInstance.store(core, std::memory_order_release);
+    }
+    return core;
+}
+
+void StatCore::terminate()
+{
+    QMutexLocker locker(&sharedMutex);
+    delete sharedInstance.exchange(nullptr, std::memory_order_acq_rel);
+}
+
+long StatCore::systemPageSize()
+{
+    return ::sysconf(_SC_PAGESIZE);
+}
+
+CpuUsageData StatCore::cpuUsage()
+{
+    // A failed read keeps the last sample, so the deltas come out zero (usage NaN).
+    if (const std::optional<ProcReader::CpuTicks> ticks = m_reader.cpuTicks())
+        m_cpuLoad = *ticks;
+
+    CpuUsageData data;
+    data.user = m_cpuLoad.user - m_prevCpuLoad.user;
+    data.system = m_cpuLoad.system - m_prevCpuLoad.system;
+    data.idle = m_cpuLoad.idle - m_prevCpuLoad.idle;
+    // Nice ticks count neither as busy nor in the total.
+    const quint32 busy = data.user + data.system;
+    const quint32 total = busy + data.idle;
+    data.usage = double(busy) / double(total) * 100.0; // 0/0 is NaN on purpose: no tick elapsed
+    m_prevCpuLoad = m_cpuLoad;
+    return data;
+}
+
+MemoryUsageData StatCore::memoryUsage() const
+{
+    MemoryUsageData data;
+
+    quint64 pageSize = 0;
+    if (m_pageSize <= 0 || m_pageSize > INT_MAX)
+        qCWarning(lcStats, "#### Getting page size error!!");
+    else
+        pageSize = quint64(m_pageSize);
+    data.pageSize = qint32(pageSize);
+
+    const std::optional<ProcReader::MemInfo> info = m_reader.memInfo();
+    quint32 freeCount = 0;
+    quint32 activeCount = 0;
+    quint32 inactiveCount = 0;
+    quint32 wireCount = 0;
+    // Wired is what is left of MemTotal: kernel, slab, page tables and the like.
+    const bool haveCounts = info && info->memTotal && info->memFree && info->active && info->inactive
+        && *info->memFree + *info->active + *info->inactive <= *info->memTotal;
+    if (haveCounts && pageSize > 0) {
+        const auto pages = [pageSize](quint64 kiB) { return quint32(kiB * 1024 / pageSize); };
+        freeCount = pages(*info->memFree);
+        activeCount = pages(*info->active);
+        inactiveCount = pages(*info->inactive);
+        wireCount = pages(*info->memTotal - *info->memFree - *info->active - *info->inactive);
+    } else if (!haveCounts) {
+        qCWarning(lcStats, "#### Failed to get VM statistics!!");
+    }
+
+    quint64 memory = 0;
+    if (info && info->memTotal)
+        memory = *info->memTotal * 1024;
+    else
+        qCWarning(lcStats, "#### Getting physical memory error!!");
+    data.physical = memory;
+    // User memory is what may page: everything but the wired part. A failed query
+    // leaves the physical figure in place.
+    if (info && info->memTotal && haveCounts)
+        memory = (*info->memFree + *info->active + *info->inactive) * 1024;
+    else
+        qCWarning(lcStats, "#### Getting user memory error!!");
+    data.user = memory;
+
+    const quint32 totalPages = freeCount + activeCount + inactiveCount + wireCount;
+    data.totalPages = qint32(totalPages);
+    data.wired = pageSize * wireCount;
+    data.active = pageSize * activeCount;
+    data.inactive = pageSize * inactiveCount;
+    data.free = pageSize * freeCount;
+    data.total = pageSize * totalPages;
+    // No guard: with no pages at all the shares are NaN, as for the CPU.
+    data.wiredPercent = double(wireCount) / double(totalPages) * 100.0;
+    data.activePercent = double(activeCount) / double(totalPages) * 100.0;
+    data.inactivePercent = double(inactiveCount) / double(totalPages) * 100.0;
+    data.freePercent = double(freeCount) / double(totalPages) * 100.0;
+    return data;
+}
+
+DiskUsageData StatCore::diskUsage() const
+{
+    DiskUsageData data;
+    if (m_homeDir.isEmpty())
+        return data;
+    struct statvfs fs;
+    if (::statvfs(QFile::encodeName(m_homeDir).constData(), &fs) != 0)
+        return data;
+    // f_bavail: what an ordinary user can still write, as a file manager shows it.
+    data.totalSize = double(fs.f_frsize) * double(fs.f_blocks);
+    data.freeSize = double(fs.f_frsize) * double(fs.f_bavail);
+    return data;
+}
+
+const QString &StatCore::startTimeText(int pid, quint64 startTicks, qint64 bootTime)
+{
+    StartTimeEntry &entry = m_startTimes[pid];
+    if (entry.text.isNull() || entry.startTicks != startTicks || entry.bootTime != bootTime) {
+        entry.startTicks = startTicks;
+        entry.bootTime = bootTime;
+        entry.text = m_startTimeFormatter.format(bootTime + qint64(startTicks / quint64(m_clockTicks)));
+    }
+    entry.seenInScan = m_scan;
+    return entry.text;
+}
+
+std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
+{
+    const std::optional<QList<ProcReader::ProcStat>> stats = m_reader.processStats();
+    if (!stats || stats->isEmpty())
+        return std::nullopt;
+    const qint64 bootTime = m_reader.bootTime().value_or(0);
+
+    ++m_scan;
+    QList<ProcessRecord> records;
+    records.reserve(stats->size());
+    for (auto it = stats->crbegin(); it != stats->crend(); ++it) {
+        ProcessRecord record;
+        record.pid = QString::number(it->pid);
+        record.processName = QString::fromUtf8(it->comm);
+        record.priority = QString::number(it->priority);
+        record.startTime = startTimeText(it->pid, it->startTicks, bootTime);
+        records.append(std::move(record));
+    }
+    // Forget processes that have gone, so the cache stays as large as the table.
+    m_startTimes.removeIf([this](const QHash<int, StartTimeEntry>::iterator &it) {
+        return it->seenInScan != m_scan;
+    });
+    return records;
+}
+
+QString StatCore::byteToKiloMegaGigaWithByte(double byte, int decmal, bool unitSpace)
+{
+    const char *format = decimalFormat(decmal);
+    QString number;
+    const char *unit;
+    if (const double g = byte / (1024.0 * 1024.0 * 1024.0); saturatingTruncate(g) > 0) {
+        number = printDouble(format, g);
+        unit = "GB";
+    } else if (const double m = byte / (1024.0 * 1024.0); saturatingTruncate(m) > 0) {
+        number = printDouble(format, m);
+        unit = "MB";
+    } else if (const double k = byte / 1024.0; saturatingTruncate(k) > 0) {
+        number = printDouble(format, k);
+        unit = "KB";
+    } else {
+        number = printDouble("%.0f", byte);
+        unit = "Byte";
+    }
+    return StringPrivate::stringByCommifyWithString(number, withUnitSpace(unit, unitSpace));
+}
+
+QString StatCore::hzToKiloMegaGigaWithHz(double hz, int decmal, bool unitSpace)
+{
+    const char *format = decimalFormat(decmal);
+    QString number;
+    const char *unit;
+    if (const double g = hz / 1000000000.0; saturatingTruncate(g) > 0) {
+        number = printDouble(format, g);
+        unit = "GHz";
+    } else if (const double m = hz / 1000000.0; m > 0.0) {
+        // Every positive frequency below 1 GHz shows in MHz, even below 1 MHz.
+        number = printDouble(format, m);
+        unit = "MHz";
+    } else if (const double k = hz / 1000.0; k > 0.0) {
+        number = printDouble(format, k);
+        unit = "KHz";
+    } else {
+        number = printDouble("%.0f", hz);
+        unit = "Hz";
+    }
+    return number + withUnitSpace(unit, unitSpace);
+}

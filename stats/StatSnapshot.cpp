@@ -1,0 +1,92 @@
+#include "StatSnapshot.h"
+
+#include "StatCore.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cmath>
+#include <thread>
+
+namespace {
+
+QJsonValue number(double value)
+{
+    if (!std::isfinite(value))
+        return QJsonValue(QJsonValue::Null);
+    // Whole byte counts read better (and compare with df) as integers than as 1.2e+11.
+    if (value == std::trunc(value) && std::fabs(value) < 9007199254740992.0)
+        return QJsonValue(qint64(value));
+    return QJsonValue(value);
+}
+
+QJsonValue number(quint64 value)
+{
+    return QJsonValue(qint64(value));
+}
+
+} // namespace
+
+QJsonObject StatSnapshot::capture(StatCore &core, std::chrono::milliseconds cpuInterval)
+{
+    core.cpuUsage(); // discards the ticks since the previous sample
+    std::this_thread::sleep_for(cpuInterval);
+    QJsonObject snapshot;
+    snapshot.insert(QStringLiteral("cpuUsage"), cpuUsageJson(core.cpuUsage()));
+    snapshot.insert(QStringLiteral("memoryUsage"), memoryUsageJson(core.memoryUsage()));
+    snapshot.insert(QStringLiteral("diskUsage"), diskUsageJson(core.diskUsage()));
+    snapshot.insert(QStringLiteral("runningProcesses"), runningProcessesJson(core.runningProcesses()));
+    return snapshot;
+}
+
+QByteArray StatSnapshot::toJson(const QJsonObject &snapshot)
+{
+    return QJsonDocument(snapshot).toJson(QJsonDocument::Indented);
+}
+
+QJsonObject StatSnapshot::cpuUsageJson(const CpuUsageData &data)
+{
+    return {
+        {QStringLiteral("user"), qint64(data.user)},
+        {QStringLiteral("system"), qint64(data.system)},
+        {QStringLiteral("idle"), qint64(data.idle)},
+        {QStringLiteral("usage"), number(data.usage)},
+    };
+}
+
+QJsonObject StatSnapshot::memoryUsageJson(const MemoryUsageData &data)
+{
+    return {
+        {QStringLiteral("pageSize"), data.pageSize},
+        {QStringLiteral("totalPages"), data.totalPages},
+        {QStringLiteral("wired"), number(data.wired)},
+        {QStringLiteral("active"), number(data.active)},
+        {QStringLiteral("inactive"), number(data.inactive)},
+        {QStringLiteral("free"), number(data.free)},
+        {QStringLiteral("total"), number(data.total)},
+        {QStringLiteral("wiredPercent"), number(data.wiredPercent)},
+        {QStringLiteral("activePercent"), number(data.activePercent)},
+        {QStringLiteral("inactivePercent"), number(data.inactivePercent)},
+        {QStringLiteral("freePercent"), number(data.freePercent)},
+        {QStringLiteral("physical"), number(data.physical)},
+        {QStringLiteral("user"), number(data.user)},
+    };
+}
+
+QJsonObject StatSnapshot::diskUsageJson(const DiskUsageData &data)
+{
+    return {
+        {QStringLiteral("totalSize"), number(data.totalSize)},
+        {QStringLiteral("freeSize"), number(data.freeSize)},
+    };
+}
+
+QJsonValue StatSnapshot::runningProcessesJson(const std::optional<QList<ProcessRecord>> &processes)
+{
+    if (!processes)
+        return QJsonValue(QJsonValue::Null);
+    QJsonArray array;
+    for (const ProcessRecord &record : *processes)
+        array.append(record.toJson());
+    return array;
+}

@@ -1,0 +1,3 @@
+#include "StatsLog.h"
+
+Q_LOGGING_CATEGORY(lcStats, "kovar.stats")
