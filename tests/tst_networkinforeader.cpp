@@ -1,3 +1,4 @@
+#include "InfoRows.h"
 #include "MobileCountryCodes.h"
 #include "NetworkInfoReader.h"
 #include "RouteLookup.h"
@@ -50,22 +51,6 @@ Seams quietSeams()
     return seams;
 }
 
-QString rowValue(const InfoDictionary &info, const QString &section, const QString &key)
-{
-    for (const InfoRow &row : info.section(section)) {
-        if (row.key == key)
-            return row.value;
-    }
-    return QStringLiteral("<missing row>");
-}
-
-QStringList keys(const InfoSection &section)
-{
-    QStringList result;
-    for (const InfoRow &row : section)
-        result.append(row.key);
-    return result;
-}
 
 } // namespace
 

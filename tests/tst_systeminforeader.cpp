@@ -1,3 +1,4 @@
+#include "InfoRows.h"
 #include "DeviceIdentity.h"
 #include "SystemInfoReader.h"
 
@@ -31,22 +32,6 @@ SystemInfoReader::SystemCalls fakeCalls(const QString &machine, std::map<int, lo
     return calls;
 }
 
-QString rowValue(const InfoSection &section, const QString &key)
-{
-    for (const InfoRow &row : section) {
-        if (row.key == key)
-            return row.value;
-    }
-    return QStringLiteral("<missing row>");
-}
-
-QStringList keys(const InfoSection &section)
-{
-    QStringList result;
-    for (const InfoRow &row : section)
-        result.append(row.key);
-    return result;
-}
 
 } // namespace
 
