@@ -26,7 +26,8 @@ SystemInfoReader::SystemCalls fakeSystemCalls()
 NetworkInfoReader::Seams fakeNetworkSeams(bool reachable, const std::optional<CarrierInfo> &carrier)
 {
     NetworkInfoReader::Seams seams;
-    seams.interfaceAddresses = [] { return std::optional<QList<NetworkInfoReader::InterfaceAddress>>(QList<NetworkInfoReader::InterfaceAddress>{}); };
+    using AddressList = QList<NetworkInfoReader::InterfaceAddress>;
+    seams.interfaceAddresses = [] { return std::optional<AddressList>(AddressList{}); };
     seams.reachabilityFlags = [reachable] {
         return std::optional<std::uint32_t>(reachable ? NetworkInfoReader::kSCNetworkReachabilityFlagsReachable : 0u);
     };
