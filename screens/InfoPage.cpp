@@ -4,6 +4,9 @@
 #include "LabelView.h"
 #include "PanelView.h"
 
+#include <QListView>
+#include <QScroller>
+
 InfoPage::InfoPage(const QString &title, QWidget *parent)
     : QWidget(parent)
     , _title(title)
@@ -29,6 +32,33 @@ void InfoPage::setFrameForAd()
         return;
     _baseView->setGeometry(0, 20, width(), height() - 20);
     _panelBackground->setGeometry(5, 5, width() - 10, _baseView->height() - 10);
+    layoutTableView();
+}
+
+QListView *InfoPage::buildTableView(QAbstractItemModel *model, QAbstractItemDelegate *delegate)
+{
+    _tableView = new QListView(_baseView);
+    layoutTableView();
+    _tableView->setModel(model);
+    _tableView->setItemDelegate(delegate);
+    _tableView->setSelectionMode(QAbstractItemView::NoSelection);
+    _tableView->setFocusPolicy(Qt::NoFocus);
+    _tableView->setFrameShape(QFrame::NoFrame);
+    _tableView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    _tableView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    _tableView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    _tableView->setAttribute(Qt::WA_TranslucentBackground);
+    _tableView->viewport()->setAutoFillBackground(false);
+    _tableView->setStyleSheet(QStringLiteral("QListView { background: transparent; }"));
+    QScroller::grabGesture(_tableView->viewport(), QScroller::LeftMouseButtonGesture);
+    _tableView->show();
+    return _tableView;
+}
+
+void InfoPage::layoutTableView()
+{
+    if (_tableView)
+        _tableView->setGeometry(15, 40, _baseView->width() - 30, _baseView->height() - 55);
 }
 
 QWidget *InfoPage::panelBackground() const

@@ -4,6 +4,9 @@
 
 class LabelView;
 class PanelView;
+class QAbstractItemDelegate;
+class QAbstractItemModel;
+class QListView;
 
 // The frame shared by the System and Network pages: a container under the 20-point
 // title bar, the dark rounded panel and the page title. The pages add their tables.
@@ -22,9 +25,18 @@ public:
     QWidget *baseView() const { return _baseView; }
     QWidget *panelBackground() const;
     QString title() const { return _title; }
+    // The page's table, once built; null before.
+    QListView *tableView() const { return _tableView; }
+
+protected:
+    // Adds the table under the title: no separators, no selection, clear background.
+    QListView *buildTableView(QAbstractItemModel *model, QAbstractItemDelegate *delegate);
 
 private:
+    void layoutTableView();
+
     QString _title;
     QWidget *_baseView = nullptr;
     PanelView *_panelBackground = nullptr;
+    QListView *_tableView = nullptr;
 };

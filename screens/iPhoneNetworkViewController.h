@@ -1,11 +1,40 @@
 #pragma once
 
+#include "InfoDictionary.h"
 #include "InfoPage.h"
 
-// The "Network" page. Its table of network information arrives with the
-// network information reader; until then the page shows its panel and title.
+#include <functional>
+#include <optional>
+
+class InfoCellDelegate;
+class InfoTableModel;
+
+// The "Network" page: general facts without a header, then Wi-Fi and cellular
+// sections; YES/NO facts get a green or red lamp. Filled anew each time the
+// application becomes active, and at no other time.
 class iPhoneNetworkViewController : public InfoPage {
     Q_OBJECT
 public:
+    using NetworkInfoSource = std::function<std::optional<InfoDictionary>()>;
+
     explicit iPhoneNetworkViewController(QWidget *parent = nullptr);
+
+    // Builds the page without data and starts listening for activation.
+    void viewDidLoad() override;
+    // Where reloadNetworkData gets its record; the shared StatCore unless replaced.
+    void setNetworkInfoSource(NetworkInfoSource source);
+
+    const std::optional<InfoDictionary> &tableData() const;
+    InfoTableModel *tableModel() const { return _tableModel; }
+
+public Q_SLOTS:
+    // Reads the network record and shows it; nullopt empties the list.
+    void reloadNetworkData();
+
+private:
+    void applicationStateChanged(Qt::ApplicationState state);
+
+    InfoTableModel *_tableModel = nullptr;
+    InfoCellDelegate *_cellDelegate = nullptr;
+    NetworkInfoSource _source;
 };

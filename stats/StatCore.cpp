@@ -63,7 +63,15 @@ QString withUnitSpace(const char *unit, bool unitSpace)
 } // namespace
 
 StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize)
+    : StatCore(rootDir, homeDir, pageSize, SystemInfoReader::hostSystemCalls(), NetworkInfoReader::hostSeams())
+{
+}
+
+StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize,
+                   SystemInfoReader::SystemCalls systemCalls, NetworkInfoReader::Seams networkSeams)
     : m_reader(rootDir)
+    , m_systemInfo(rootDir, std::move(systemCalls))
+    , m_networkInfo(rootDir, std::move(networkSeams))
     , m_homeDir(homeDir)
     , m_pageSize(pageSize)
     , m_clockTicks(::sysconf(_SC_CLK_TCK))
@@ -230,6 +238,96 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
         return it->seenInScan != m_scan;
     });
     return records;
+}
+
+InfoDictionary StatCore::systemInfo() const
+{
+    return m_systemInfo.systemInfo();
+}
+
+QString StatCore::getSysInfoByName(const QString &name) const
+{
+    return m_systemInfo.getSysInfoByName(name);
+}
+
+std::uint32_t StatCore::getSysInfo(std::uint32_t selector) const
+{
+    return m_systemInfo.getSysInfo(selector);
+}
+
+QString StatCore::platformString() const
+{
+    return m_systemInfo.platformString();
+}
+
+QString StatCore::getCPUFrequency() const
+{
+    return m_systemInfo.getCPUFrequency();
+}
+
+void StatCore::setScreenWidth(double width)
+{
+    m_systemInfo.setScreenWidth(width);
+}
+
+InfoDictionary StatCore::networkInfo()
+{
+    return m_networkInfo.networkInfo();
+}
+
+QString StatCore::macAddress() const
+{
+    return m_networkInfo.macAddress();
+}
+
+QString StatCore::hostname() const
+{
+    return m_networkInfo.hostname();
+}
+
+QString StatCore::localIPAddress() const
+{
+    return m_networkInfo.localIPAddress();
+}
+
+QString StatCore::wifiIPAddress() const
+{
+    return m_networkInfo.wifiIPAddress();
+}
+
+QString StatCore::cellularIPAddress() const
+{
+    return m_networkInfo.cellularIPAddress();
+}
+
+QString StatCore::externalIPAddress() const
+{
+    return m_networkInfo.externalIPAddress();
+}
+
+void StatCore::pingReachabilityInternal()
+{
+    m_networkInfo.pingReachabilityInternal();
+}
+
+bool StatCore::networkAvailable()
+{
+    return m_networkInfo.networkAvailable();
+}
+
+bool StatCore::activeWWAN()
+{
+    return m_networkInfo.activeWWAN();
+}
+
+bool StatCore::activeWLAN() const
+{
+    return m_networkInfo.activeWLAN();
+}
+
+std::optional<CarrierInfo> StatCore::carrierInfo() const
+{
+    return m_networkInfo.carrierInfo();
 }
 
 QString StatCore::byteToKiloMegaGigaWithByte(double byte, int decmal, bool unitSpace)

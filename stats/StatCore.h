@@ -2,15 +2,19 @@
 
 #include "CpuUsageData.h"
 #include "DiskUsageData.h"
+#include "InfoDictionary.h"
 #include "MemoryUsageData.h"
+#include "NetworkInfoReader.h"
 #include "ProcReader.h"
 #include "ProcessRecord.h"
 #include "StartTimeFormatter.h"
+#include "SystemInfoReader.h"
 
 #include <QHash>
 #include <QList>
 #include <QString>
 
+#include <cstdint>
 #include <optional>
 
 // The one statistics object of the application: samples CPU, memory, disk and the
@@ -21,6 +25,10 @@ public:
     // Reads rootDir's proc tree and the file system of homeDir. pageSize <= 0 stands
     // for a failed page-size query.
     StatCore(const QString &rootDir, const QString &homeDir, long pageSize = systemPageSize());
+    // The same, with the system and network calls that a file tree cannot stand in for
+    // replaced (tests describe a whole machine this way).
+    StatCore(const QString &rootDir, const QString &homeDir, long pageSize, SystemInfoReader::SystemCalls systemCalls,
+             NetworkInfoReader::Seams networkSeams);
     ~StatCore();
     StatCore(const StatCore &) = delete;
     StatCore &operator=(const StatCore &) = delete;
@@ -43,6 +51,31 @@ public:
     // process table cannot be read or holds no process.
     std::optional<QList<ProcessRecord>> runningProcesses();
 
+    // Device, OS and CPU identification: "DeviceInfo", "OSInfo", "CPUInfo".
+    InfoDictionary systemInfo() const;
+    QString getSysInfoByName(const QString &name) const;
+    std::uint32_t getSysInfo(std::uint32_t selector) const;
+    QString platformString() const;
+    QString getCPUFrequency() const;
+    // Width of the idiom's screen in points (320 phone, 768 tablet).
+    void setScreenWidth(double width);
+
+    // Network state: "CommonInfo", "WifiInfo", "CellInfo". Runs the reachability
+    // test and the address queries anew on every call.
+    InfoDictionary networkInfo();
+    QString macAddress() const;
+    QString hostname() const;
+    QString localIPAddress() const;
+    QString wifiIPAddress() const;
+    QString cellularIPAddress() const;
+    // Blocks for at most the request's time-out; the application never calls it.
+    QString externalIPAddress() const;
+    void pingReachabilityInternal();
+    bool networkAvailable();
+    bool activeWWAN();
+    bool activeWLAN() const;
+    std::optional<CarrierInfo> carrierInfo() const;
+
     static QString byteToKiloMegaGigaWithByte(double byte, int decmal, bool unitSpace);
     static QString hzToKiloMegaGigaWithHz(double hz, int decmal, bool unitSpace);
 
@@ -56,6 +89,8 @@ private:
     const QString &startTimeText(int pid, quint64 startTicks, qint64 bootTime);
 
     ProcReader m_reader;
+    SystemInfoReader m_systemInfo;
+    NetworkInfoReader m_networkInfo;
     QString m_homeDir;
     long m_pageSize;
     long m_clockTicks;

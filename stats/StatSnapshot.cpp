@@ -36,6 +36,8 @@ QJsonObject StatSnapshot::capture(StatCore &core, std::chrono::milliseconds cpuI
     snapshot.insert(QStringLiteral("memoryUsage"), memoryUsageJson(core.memoryUsage()));
     snapshot.insert(QStringLiteral("diskUsage"), diskUsageJson(core.diskUsage()));
     snapshot.insert(QStringLiteral("runningProcesses"), runningProcessesJson(core.runningProcesses()));
+    snapshot.insert(QStringLiteral("systemInfo"), core.systemInfo().toJson());
+    snapshot.insert(QStringLiteral("networkInfo"), core.networkInfo().toJson());
     return snapshot;
 }
 

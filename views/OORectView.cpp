@@ -27,29 +27,37 @@ void OORectView::setRectColor(const QColor &color)
 
 void OORectView::paintEvent(QPaintEvent *)
 {
-    if (m_type != Rectangle && m_type != Ellipse)
-        return;
     QPainter painter(this);
+    paintSwatch(painter, QRectF(rect()), m_type, m_rectColor, m_border);
+}
+
+void OORectView::paintSwatch(QPainter &painter, const QRectF &frame, qint32 type, const QColor &color, float border)
+{
+    if (type != Rectangle && type != Ellipse)
+        return;
+    painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    const qreal w = width();
-    const qreal h = height();
-    const qreal b = m_border;
+    painter.translate(frame.topLeft());
+    const qreal w = frame.width();
+    const qreal h = frame.height();
+    const qreal b = border;
 
     QPainterPath fill;
     QPainterPath outline;
     const QRectF bounds(0.0, 0.0, w, h);
     // Half the outline's width in from the edge keeps it inside the bounds.
     const QRectF inset(b / 2.0, b / 2.0, w - b, h - b);
-    if (m_type == Rectangle) {
+    if (type == Rectangle) {
         fill.addRect(bounds);
         outline.addRect(inset);
     } else {
         fill.addEllipse(bounds);
         outline.addEllipse(inset);
     }
-    if (m_rectColor.isValid())
-        painter.fillPath(fill, m_rectColor);
+    if (color.isValid())
+        painter.fillPath(fill, color);
 
     const QPen pen(Qt::white, b, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin);
     DropShadow::strokePath(painter, outline, pen, QPointF(2.0, 2.0), 2.0);
+    painter.restore();
 }

@@ -3,6 +3,8 @@
 #include <QColor>
 #include <QWidget>
 
+class QPainter;
+
 // A colour key swatch: a rectangle (type 0) or an ellipse (type 1) filled
 // with one colour and outlined in white with a soft shadow. Other types draw
 // nothing.
@@ -22,6 +24,10 @@ public:
     void setType(qint32 type) { m_type = type; }
     float border() const { return m_border; }
     void setBorder(float border) { m_border = border; }
+
+    // Paints what a view of this class with these settings paints, into frame.
+    // Lets a list delegate show swatches without a widget per row.
+    static void paintSwatch(QPainter &painter, const QRectF &frame, qint32 type, const QColor &color, float border);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
