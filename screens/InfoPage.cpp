@@ -1,11 +1,12 @@
 #include "InfoPage.h"
 
+#include "PageTableView.h"
+
 #include "FontTable.h"
 #include "LabelView.h"
 #include "PanelView.h"
 
 #include <QListView>
-#include <QScroller>
 
 InfoPage::InfoPage(const QString &title, QWidget *parent)
     : QWidget(parent)
@@ -37,20 +38,8 @@ void InfoPage::setFrameForAd()
 
 QListView *InfoPage::buildTableView(QAbstractItemModel *model, QAbstractItemDelegate *delegate)
 {
-    _tableView = new QListView(_baseView);
+    _tableView = new PageTableView(model, delegate, _baseView);
     layoutTableView();
-    _tableView->setModel(model);
-    _tableView->setItemDelegate(delegate);
-    _tableView->setSelectionMode(QAbstractItemView::NoSelection);
-    _tableView->setFocusPolicy(Qt::NoFocus);
-    _tableView->setFrameShape(QFrame::NoFrame);
-    _tableView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    _tableView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    _tableView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    _tableView->setAttribute(Qt::WA_TranslucentBackground);
-    _tableView->viewport()->setAutoFillBackground(false);
-    _tableView->setStyleSheet(QStringLiteral("QListView { background: transparent; }"));
-    QScroller::grabGesture(_tableView->viewport(), QScroller::LeftMouseButtonGesture);
     _tableView->show();
     return _tableView;
 }

@@ -2,13 +2,13 @@
 
 #include "FontTable.h"
 #include "LabelView.h"
+#include "PageTableView.h"
 #include "PanelView.h"
 #include "ProcessCellDelegate.h"
 #include "ProcessTableModel.h"
 #include "StatCore.h"
 
 #include <QListView>
-#include <QScroller>
 
 #include <cstdio>
 
@@ -68,21 +68,9 @@ void iPhoneProcessesViewController::viewDidLoad()
 
     _tableModel = new ProcessTableModel(this);
     _cellDelegate = new ProcessCellDelegate(this);
-    _tableView = new QListView(_baseView);
+    _tableView = new PageTableView(_tableModel, _cellDelegate, _baseView);
     _tableView->setGeometry(15, 80, _baseView->width() - 30, _baseView->height() - 95);
-    _tableView->setModel(_tableModel);
-    _tableView->setItemDelegate(_cellDelegate);
     _tableView->setUniformItemSizes(true);
-    _tableView->setSelectionMode(QAbstractItemView::NoSelection);
-    _tableView->setFocusPolicy(Qt::NoFocus);
-    _tableView->setFrameShape(QFrame::NoFrame);
-    _tableView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    _tableView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    _tableView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    _tableView->setAttribute(Qt::WA_TranslucentBackground);
-    _tableView->viewport()->setAutoFillBackground(false);
-    _tableView->setStyleSheet(QStringLiteral("QListView { background: transparent; }"));
-    QScroller::grabGesture(_tableView->viewport(), QScroller::LeftMouseButtonGesture);
 
     setProcData(StatCore::shared()->runningProcesses());
 }
