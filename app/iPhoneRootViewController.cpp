@@ -1,5 +1,6 @@
 #include "iPhoneRootViewController.h"
 
+#include "ADControl.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
@@ -74,8 +75,10 @@ void iPhoneRootViewController::viewDidLoad()
     connect(_systemStateGetTimer, &QTimer::timeout, this, &iPhoneRootViewController::refreshSystemState);
     _systemStateGetTimer->start();
 
-    // The banner controller places its banner here, 50 points above the foot.
-    _bannerYPoint = H - BannerHeight;
+    ADControl *banners = ADControl::defaultsAD();
+    connect(banners, &ADControl::ReceiveAd, this, &iPhoneRootViewController::receiveAd);
+    // The banner slot: 50 points above the foot.
+    banners->addAds(this, float(H - BannerHeight));
 
     // Each tab covers a quarter of the page control. A quarter need not be a whole
     // pixel (67.5 on a 320-point screen), so the edges are rounded and the tabs still tile.

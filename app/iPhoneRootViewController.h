@@ -43,8 +43,6 @@ public:
     iPhoneProcessesViewController *processesViewController() const { return _processesViewController; }
     iPhoneSystemViewController *systemViewController() const { return _systemViewController; }
     iPhoneNetworkViewController *networkViewController() const { return _networkViewController; }
-    // Where the banner's top edge sits: 50 points above the foot.
-    int bannerYPoint() const { return _bannerYPoint; }
 
 private:
     PagingScrollView *_mainScrollView = nullptr;
@@ -55,5 +53,4 @@ private:
     iPhoneSystemViewController *_systemViewController = nullptr;
     iPhoneNetworkViewController *_networkViewController = nullptr;
     QList<QAbstractButton *> _tabButtons;
-    int _bannerYPoint = 0;
 };

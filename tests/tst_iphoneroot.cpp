@@ -1,3 +1,5 @@
+#include "ADControl.h"
+#include "GADBannerView.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
 #include "iPhoneNetworkViewController.h"
@@ -55,7 +57,6 @@ private Q_SLOTS:
         QCOMPARE(root->pageControl()->geometry(), QRect(50, 0, 270, 20));
         QCOMPARE(root->mainScrollView()->geometry(), QRect(0, 0, 320, 460));
         QCOMPARE(root->mainScrollView()->contentSize(), QSize(1280, 460));
-        QCOMPARE(root->bannerYPoint(), 410);
         QCOMPARE(root->totalViewController()->geometry(), QRect(0, 0, 320, 460));
         QCOMPARE(root->processesViewController()->geometry(), QRect(320, 0, 320, 460));
         QCOMPARE(root->systemViewController()->geometry(), QRect(640, 0, 320, 460));
@@ -169,6 +170,36 @@ private Q_SLOTS:
         root->receiveAd(QVariantMap{{QStringLiteral("AdKind"), QStringLiteral("iAd")}});
         QCOMPARE(root->mainScrollView()->geometry(), QRect(0, 0, 320, 410));
         QCOMPARE(root->processesViewController()->tableView()->geometry(), QRect(15, 80, 290, 100));
+    }
+
+    void bannerSlotAtTheFoot()
+    {
+        auto root = makeRoot();
+        ADControl *banners = ADControl::defaultsAD();
+        QCOMPARE(banners->viewController(), root.get());
+        QCOMPARE(banners->yPoint(), 410.0f);
+        GADBannerView *network = banners->adMobBanner();
+        QVERIFY(network);
+        QCOMPARE(network->parentWidget(), root.get());
+        QCOMPARE(network->geometry(), QRect(0, 460, 320, 50));
+        // The tabs still take the taps on the title bar.
+        QCOMPARE(root->childAt(root->tabButtons()[0]->geometry().center()), root->tabButtons()[0]);
+    }
+
+    void bannerArrivalsMakeRoomOnce()
+    {
+        auto root = makeRoot();
+        ADControl *banners = ADControl::defaultsAD();
+        GADBannerView *network = banners->adMobBanner();
+        banners->adViewDidReceiveAd(network);
+        QCOMPARE(root->mainScrollView()->geometry(), QRect(0, 0, 320, 410));
+        root->processesViewController()->tableView()->setGeometry(15, 80, 290, 100);
+        banners->adViewDidReceiveAd(network);
+        QCOMPARE(root->mainScrollView()->geometry(), QRect(0, 0, 320, 410));
+        QCOMPARE(root->mainScrollView()->contentSize(), QSize(1280, 410));
+        QCOMPARE(root->processesViewController()->tableView()->geometry(), QRect(15, 80, 290, 100));
+        // The banner comes to rest in the room made for it.
+        QTRY_COMPARE_WITH_TIMEOUT(network->geometry(), QRect(0, 410, 320, 50), 2000);
     }
 
     void refreshCadence()
