@@ -11,6 +11,13 @@ bool isRedirectStatus(int status)
     return status >= 300 && status < 400;
 }
 
+// A final status that is informational or a redirect means the exchange never got to a
+// real answer (a refused or unfinished redirect).
+bool isUnfinishedStatus(int status)
+{
+    return (status >= 100 && status < 200) || isRedirectStatus(status);
+}
+
 } // namespace
 
 BoundedFetch::BoundedFetch(QNetworkAccessManager *manager, const QUrl &url, qint64 maxBytes, int timeoutMs,
@@ -21,7 +28,8 @@ BoundedFetch::BoundedFetch(QNetworkAccessManager *manager, const QUrl &url, qint
     QNetworkRequest request(url);
     // Each redirect is looked at before it is followed: only http(s) targets are allowed.
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setMaximumRedirectsAllowed(MaxRedirects);
+    // We count redirects ourselves (below); Qt's own limit must never be the one that ends it.
+    request.setMaximumRedirectsAllowed(MaxRedirects + 1);
     request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
 
     m_reply = manager->get(request);
@@ -29,6 +37,10 @@ BoundedFetch::BoundedFetch(QNetworkAccessManager *manager, const QUrl &url, qint
     m_reply->setReadBufferSize(64 * 1024);
 
     connect(m_reply, &QNetworkReply::redirected, this, [this](const QUrl &target) {
+        if (++m_redirects > MaxRedirects) {
+            fail(GADRequestError::NetworkError, QStringLiteral("Too many redirects"));
+            return;
+        }
         if (!isWebUrl(target)) {
             fail(GADRequestError::NetworkError,
                  QStringLiteral("Refused a redirect to %1").arg(target.toDisplayString()));
@@ -112,8 +124,11 @@ void BoundedFetch::replyFinished()
     const QNetworkReply::NetworkError networkError = m_reply->error();
     const QVariant statusAttribute = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     const int status = statusAttribute.toInt();
-    if (networkError == QNetworkReply::TooManyRedirectsError || networkError == QNetworkReply::InsecureRedirectError) {
-        fail(GADRequestError::NetworkError, m_reply->errorString());
+    if (networkError == QNetworkReply::TooManyRedirectsError || networkError == QNetworkReply::InsecureRedirectError
+        || isUnfinishedStatus(status)) {
+        // A redirect still standing at the end was refused or one too many.
+        fail(GADRequestError::NetworkError,
+             QStringLiteral("The redirects were not followed: %1").arg(m_reply->errorString()));
     } else if (statusAttribute.isValid() && (status < 200 || status > 299)) {
         fail(GADRequestError::ServerError, QStringLiteral("The server answered with status %1").arg(status));
     } else if (networkError != QNetworkReply::NoError) {

@@ -47,6 +47,7 @@ private:
     QPointer<QNetworkReply> m_reply;
     QTimer m_deadline;
     qint64 m_maxBytes;
+    int m_redirects = 0;
     QByteArray m_body;
     GADRequestError m_error;
     bool m_succeeded = false;

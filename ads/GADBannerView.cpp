@@ -35,7 +35,8 @@ constexpr int ImageAllocationLimitMB = MaxImageSide * MaxImageSide * 4 / (1024 *
 
 bool isValidAdUnitID(const QString &adUnitID)
 {
-    static const QRegularExpression pattern(QStringLiteral("^[0-9a-f]{15}$"));
+    // Anchored as a whole: "^...$" would let a trailing newline through.
+    static const QRegularExpression pattern(QRegularExpression::anchoredPattern(QStringLiteral("[0-9a-f]{15}")));
     return pattern.match(adUnitID).hasMatch();
 }
 
