@@ -215,6 +215,10 @@ void TestGADBannerView::initTestCase()
         LoopbackHttpServer::replyChunked(socket, overCap, "image/png");
     });
     m_server.route("/img/silent.png", [](QTcpSocket *, const Request &) {});
+    // Announces more than the cap, then sends nothing: only the announcement can end it early.
+    m_server.route("/img/announces-2mib.png", [](QTcpSocket *socket, const Request &) {
+        socket->write("HTTP/1.1 200 OK\r\nContent-Type: image/png\r\nContent-Length: 2097152\r\n\r\n");
+    });
 
     routeBanner("png", jsonFor(url("/img/red-640x100.png"), click).toUtf8());
     routeBanner("jpeg", jsonFor(url("/img/red-640x100.jpg"), click).toUtf8());
@@ -242,6 +246,10 @@ void TestGADBannerView::initTestCase()
     routeBanner("image-tall", jsonFor(url("/img/tall.png"), click).toUtf8());
     routeBanner("image-over-cap", jsonFor(url("/img/over-cap.png"), click).toUtf8());
     routeBanner("image-over-cap-chunked", jsonFor(url("/img/over-cap-chunked.png"), click).toUtf8());
+    routeBanner("image-announced-too-large", jsonFor(url("/img/announces-2mib.png"), click).toUtf8());
+    m_server.route("/json-announced-too-large/v1/banner", [](QTcpSocket *socket, const Request &) {
+        socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 65537\r\n\r\n{");
+    });
     routeBanner("image-silent", jsonFor(url("/img/silent.png"), click).toUtf8());
 
     // Valid JSON, only too long: padding inside the object.
@@ -456,6 +464,10 @@ void TestGADBannerView::badInput_data()
         {"image 4097 pixels high", QStringLiteral("/image-tall"), GADRequestError::TooLarge, 5000},
         {"image over 1 MiB with length", QStringLiteral("/image-over-cap"), GADRequestError::TooLarge, 5000},
         {"image over 1 MiB without length", QStringLiteral("/image-over-cap-chunked"), GADRequestError::TooLarge, 5000},
+        {"image announced over 1 MiB refused before the body", QStringLiteral("/image-announced-too-large"),
+         GADRequestError::TooLarge, 3000},
+        {"JSON announced over 64 KiB refused before the body", QStringLiteral("/json-announced-too-large"),
+         GADRequestError::TooLarge, 3000},
         {"JSON over 64 KiB with length", QStringLiteral("/json-over-cap"), GADRequestError::TooLarge, 5000},
         {"JSON over 64 KiB without length", QStringLiteral("/json-over-cap-chunked"), GADRequestError::TooLarge, 5000},
         {"server silent", QStringLiteral("/silent"), GADRequestError::Timeout, 300},
