@@ -79,7 +79,6 @@ public:
 
     QNetworkAccessManager *manager = nullptr; // made on the first real request only
     BoundedFetch *fetch = nullptr;
-    QUrl pendingImageUrl;
     QUrl pendingClickUrl;
     int pendingRefreshSeconds = DefaultRefreshSeconds;
 
@@ -187,7 +186,6 @@ void GADBannerView::Private::jsonFetched()
         refreshSeconds = int(std::clamp(seconds, double(MinRefreshSeconds), double(MaxRefreshSeconds)));
     }
 
-    pendingImageUrl = imageUrl;
     pendingClickUrl = click;
     pendingRefreshSeconds = refreshSeconds;
     fetch = new BoundedFetch(manager, imageUrl, MaxImageBytes, timing.requestTimeoutMs, q);
@@ -225,7 +223,10 @@ void GADBannerView::Private::imageFetched()
                                                         .arg(size.height())));
         return;
     }
-    QImageReader::setAllocationLimit(ImageAllocationLimitMB);
+    // The limit is process-wide: lower it for a banner's sake, never raise a stricter one.
+    const int allocationLimit = QImageReader::allocationLimit();
+    if (allocationLimit == 0 || allocationLimit > ImageAllocationLimitMB)
+        QImageReader::setAllocationLimit(ImageAllocationLimitMB);
     const QImage decoded = reader.read();
     if (decoded.isNull()) {
         failed(makeError(GADRequestError::InvalidImage,
