@@ -5,6 +5,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <memory>
+
 LoopbackHttpServer::LoopbackHttpServer()
 {
     m_clock.start();
