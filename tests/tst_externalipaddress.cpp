@@ -1,94 +1,10 @@
 #include "NetworkInfoReader.h"
 
+#include "LoopbackHttpServer.h"
+
 #include <QElapsedTimer>
-#include <QHostAddress>
-#include <QPointer>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
-#include <QTimer>
-
-namespace {
-
-// A loop-back HTTP server with one behaviour per path, good and hostile.
-class LoopbackHttpServer : public QTcpServer {
-public:
-    LoopbackHttpServer()
-    {
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket *socket = nextPendingConnection()) {
-                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { serve(socket); });
-                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-            }
-        });
-    }
-
-private:
-    static QByteArray response(const QByteArray &status, const QByteArray &body)
-    {
-        return "HTTP/1.1 " + status + "\r\nContent-Type: text/plain\r\nContent-Length: "
-            + QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
-    }
-
-    void serve(QTcpSocket *socket)
-    {
-        QByteArray &request = m_requests[socket];
-        request += socket->readAll();
-        if (!request.contains("\r\n\r\n"))
-            return;
-        const QByteArray path = request.split(' ').value(1);
-        m_requests.remove(socket);
-
-        if (path == "/good") {
-            socket->write(response("200 OK", "203.0.113.7"));
-            socket->disconnectFromHost();
-        } else if (path == "/not-found") {
-            socket->write(response("404 Not Found", "no such thing"));
-            socket->disconnectFromHost();
-        } else if (path == "/huge") {
-            socket->write(response("200 OK", QByteArray(256 * 1024, '7')));
-            socket->disconnectFromHost();
-        } else if (path == "/huge-chunked") {
-            // No length announced: the cap must hold while the body streams in.
-            socket->write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
-            for (int i = 0; i < 64; ++i)
-                socket->write("400\r\n" + QByteArray(1024, '8') + "\r\n");
-            socket->write("0\r\n\r\n");
-            socket->disconnectFromHost();
-        } else if (path == "/non-ascii") {
-            socket->write(response("200 OK", "203.0.113.7 \xC3\xA9t\xC3\xA9"));
-            socket->disconnectFromHost();
-        } else if (path == "/closes-early") {
-            socket->write("HTTP/1.1 200 OK\r\nContent-Length: 50\r\n\r\n203.0");
-            socket->flush();
-            socket->abort();
-        } else if (path == "/silent") {
-            // Accepts and never answers.
-        } else if (path == "/trickle") {
-            // One byte at a time, never done: only an overall deadline ends it.
-            socket->write("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
-            auto *timer = new QTimer(socket);
-            QPointer<QTcpSocket> guarded(socket);
-            int *sent = new int(0);
-            connect(timer, &QTimer::timeout, socket, [guarded, timer, sent] {
-                if (!guarded || ++*sent > 200) {
-                    timer->stop();
-                    return;
-                }
-                guarded->write("1");
-            });
-            connect(timer, &QObject::destroyed, [sent] { delete sent; });
-            timer->start(40);
-        } else {
-            socket->write(response("400 Bad Request", ""));
-            socket->disconnectFromHost();
-        }
-    }
-
-    QHash<QTcpSocket *, QByteArray> m_requests;
-};
-
-} // namespace
 
 class TestExternalIPAddress : public QObject {
     Q_OBJECT
@@ -106,7 +22,24 @@ private:
 
 void TestExternalIPAddress::initTestCase()
 {
-    QVERIFY(m_server.listen(QHostAddress::LocalHost, 0));
+    using Request = LoopbackHttpServer::Request;
+    m_server.routeReply("/good", "200 OK", "203.0.113.7");
+    m_server.routeReply("/not-found", "404 Not Found", "no such thing");
+    m_server.routeReply("/huge", "200 OK", QByteArray(256 * 1024, '7'));
+    // No length announced: the cap must hold while the body streams in.
+    m_server.route("/huge-chunked", [](QTcpSocket *socket, const Request &) {
+        LoopbackHttpServer::replyChunked(socket, QByteArray(64 * 1024, '8'), "text/plain");
+    });
+    m_server.routeReply("/non-ascii", "200 OK", "203.0.113.7 \xC3\xA9t\xC3\xA9");
+    m_server.route("/closes-early", [](QTcpSocket *socket, const Request &) {
+        socket->write("HTTP/1.1 200 OK\r\nContent-Length: 50\r\n\r\n203.0");
+        socket->flush();
+        socket->abort();
+    });
+    m_server.route("/silent", [](QTcpSocket *, const Request &) {});
+    // One byte at a time, never done: only an overall deadline ends it.
+    m_server.route("/trickle", [](QTcpSocket *socket, const Request &) { LoopbackHttpServer::trickle(socket, 40); });
+    QVERIFY(m_server.start());
 }
 
 void TestExternalIPAddress::endpoint_data()
@@ -135,7 +68,7 @@ void TestExternalIPAddress::endpoint()
     QFETCH(bool, exact);
 
     NetworkInfoReader reader(QStringLiteral("/"), NetworkInfoReader::Seams{});
-    reader.setExternalIPUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(path));
+    reader.setExternalIPUrl(m_server.url(path).toString());
     reader.setExternalIPTimeout(timeout);
 
     QElapsedTimer clock;
