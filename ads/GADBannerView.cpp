@@ -62,6 +62,7 @@ public:
     QUrl bannerRequestUrl() const;
     void startRequest();
     void cancelFetch();
+    BoundedFetch *takeFinishedFetch();
     void jsonFetched();
     void imageFetched();
     void arrived(const QImage &newImage, const QUrl &newClickUrl, int refreshSeconds);
@@ -138,15 +139,23 @@ void GADBannerView::Private::cancelFetch()
     fetch = nullptr;
 }
 
-void GADBannerView::Private::jsonFetched()
+BoundedFetch *GADBannerView::Private::takeFinishedFetch()
 {
+    // The fetch is done either way; a failed one is reported here.
     BoundedFetch *done = fetch;
     fetch = nullptr;
     done->deleteLater();
-    if (!done->succeeded()) {
-        failed(done->error());
+    if (done->succeeded())
+        return done;
+    failed(done->error());
+    return nullptr;
+}
+
+void GADBannerView::Private::jsonFetched()
+{
+    BoundedFetch *done = takeFinishedFetch();
+    if (!done)
         return;
-    }
 
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(done->body(), &parseError);
@@ -194,13 +203,9 @@ void GADBannerView::Private::jsonFetched()
 
 void GADBannerView::Private::imageFetched()
 {
-    BoundedFetch *done = fetch;
-    fetch = nullptr;
-    done->deleteLater();
-    if (!done->succeeded()) {
-        failed(done->error());
+    BoundedFetch *done = takeFinishedFetch();
+    if (!done)
         return;
-    }
 
     QByteArray bytes = done->body();
     QBuffer buffer(&bytes);

@@ -51,6 +51,18 @@ private:
     const LoopbackHttpServer *m_clock;
 };
 
+// A left press and release in the middle of a 320 x 50 banner.
+void clickCentre(QWidget *banner)
+{
+    const QPointF centre(160, 25);
+    QMouseEvent down(QEvent::MouseButtonPress, centre, banner->mapToGlobal(centre), Qt::LeftButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(banner, &down);
+    QMouseEvent up(QEvent::MouseButtonRelease, centre, banner->mapToGlobal(centre), Qt::LeftButton, Qt::NoButton,
+                   Qt::NoModifier);
+    QCoreApplication::sendEvent(banner, &up);
+}
+
 QByteArray encoded(const QImage &image, const char *format)
 {
     QByteArray bytes;
@@ -421,12 +433,7 @@ void TestGADBannerView::nothingBeforeTheFirstBanner()
     const QImage shot = banner->grab().toImage();
     const QColor centre = RenderProbe::at(shot, 160, 25);
     QVERIFY2(!RenderProbe::near(centre, BannerRed, 60), qPrintable(RenderProbe::describe(centre)));
-    QMouseEvent down(QEvent::MouseButtonPress, QPointF(160, 25), banner->mapToGlobal(QPointF(160, 25)), Qt::LeftButton,
-                     Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(banner.get(), &down);
-    QMouseEvent up(QEvent::MouseButtonRelease, QPointF(160, 25), banner->mapToGlobal(QPointF(160, 25)), Qt::LeftButton,
-                   Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(banner.get(), &up);
+    clickCentre(banner.get());
     QVERIFY(m_opened.urls.isEmpty());
 }
 
@@ -523,12 +530,7 @@ void TestGADBannerView::badInput()
     QCOMPARE(RenderProbe::near(centre, BannerRed, 0), showing);
 
     // A click opens the old address if there was one, and never the bad one.
-    QMouseEvent down(QEvent::MouseButtonPress, QPointF(160, 25), banner->mapToGlobal(QPointF(160, 25)), Qt::LeftButton,
-                     Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(banner.get(), &down);
-    QMouseEvent up(QEvent::MouseButtonRelease, QPointF(160, 25), banner->mapToGlobal(QPointF(160, 25)), Qt::LeftButton,
-                   Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(banner.get(), &up);
+    clickCentre(banner.get());
     QCOMPARE(m_opened.urls, showing ? QList<QUrl>{clickBefore} : QList<QUrl>{});
 }
 
