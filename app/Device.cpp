@@ -258,16 +258,15 @@ void Device::upowerPropertiesChanged(const QString &interfaceName, const QVarian
 {
     if (!m_usingUPower || interfaceName != upowerDeviceInterface)
         return;
-    if (!invalidated.isEmpty()) {
+    // A partial set alone would read as "no battery": with nothing whole to patch (UPower
+    // answered before its display device was ready), read the device whole again.
+    if (!invalidated.isEmpty() || m_upowerProperties.isEmpty()) {
         fetchUPower();
         return;
     }
-    // Before the first full answer a partial set would read as "no battery".
-    const bool haveAll = !m_upowerProperties.isEmpty();
     for (auto it = changed.cbegin(); it != changed.cend(); ++it)
         m_upowerProperties.insert(it.key(), it.value());
-    if (haveAll)
-        applyUPower(m_upowerProperties);
+    applyUPower(m_upowerProperties);
 }
 
 void Device::applyUPower(const QVariantMap &properties)
