@@ -4,12 +4,12 @@
 // with the background, panels and glass images, to judge them together.
 
 #include "FontTable.h"
+#include "ImageView.h"
 #include "OOHistogramView.h"
 #include "OOPageControl.h"
 #include "OOPieChartView.h"
 #include "OORectView.h"
 #include "OOStateBarView.h"
-#include "ResourceImages.h"
 #include "WidgetRenderer.h"
 
 #include <QApplication>
@@ -38,47 +38,6 @@ protected:
         path.addRoundedRect(QRectF(rect()), 10.0, 10.0);
         painter.fillPath(path, QColor::fromRgbF(0.0, 0.0, 0.0, 0.4));
     }
-};
-
-class Backdrop : public QWidget
-{
-public:
-    Backdrop(const QString &image, QWidget *parent = nullptr)
-        : QWidget(parent), m_pixmap(ResourceImages::pixmap(image))
-    {
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawPixmap(QRectF(rect()), m_pixmap, QRectF(m_pixmap.rect()));
-    }
-
-private:
-    QPixmap m_pixmap;
-};
-
-class Overlay : public QWidget
-{
-public:
-    Overlay(const QString &image, const QRect &frame, QWidget *parent)
-        : QWidget(parent), m_pixmap(ResourceImages::pixmap(image))
-    {
-        setGeometry(frame);
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawPixmap(QRectF(rect()), m_pixmap, QRectF(m_pixmap.rect()));
-    }
-
-private:
-    QPixmap m_pixmap;
 };
 
 void fillHistogram(OOHistogramView *view)
@@ -196,8 +155,7 @@ int main(int argc, char **argv)
     }
     {
         // A phone summary mock-up: 320 x 460 under the status bar.
-        Backdrop phone(QStringLiteral("bg.png"));
-        phone.resize(320, 460);
+        ImageView phone(QRect(0, 0, 320, 460), QStringLiteral("bg.png"), nullptr);
         auto *pages = new OOPageControl(QRect(25, 0, 270, 20), 4, &phone);
         pages->setTitles({ QStringLiteral("Summary"), QStringLiteral("Processes"), QStringLiteral("System"),
                            QStringLiteral("Network") });
@@ -214,7 +172,7 @@ int main(int argc, char **argv)
         palette.setColor(QPalette::Window, Qt::black);
         histogram->setPalette(palette);
         fillHistogram(histogram);
-        new Overlay(QStringLiteral("histogram_glass_effect.png"), QRect(15, 35, 150, 75), cpuPanel);
+        new ImageView(QRect(15, 35, 150, 75), QStringLiteral("histogram_glass_effect.png"), cpuPanel);
         auto *user = new OORectView(QRect(180, 40, 15, 15), cpuPanel);
         user->setRectColor(QColor::fromRgbF(0.0, 1.0, 1.0));
         label(QStringLiteral("User"), QRect(200, 35, 100, 25), cpuPanel);
@@ -233,7 +191,7 @@ int main(int argc, char **argv)
         label(QStringLiteral("Disk Usage"), QRect(15, 5, 200, 25), diskPanel);
         auto *bar = new OOStateBarView(QRect(15, 35, 285, 27), diskPanel);
         bar->addItemData0(StateBarItem(62.0, 1.0f, 0.5f, 0.0f, 1.0f), StateBarItem(38.0, 0.0f, 1.0f, 0.0f, 1.0f));
-        new Overlay(QStringLiteral("statebar_glass_effect.png"), QRect(15, 35, 285, 27), diskPanel);
+        new ImageView(QRect(15, 35, 285, 27), QStringLiteral("statebar_glass_effect.png"), diskPanel);
         auto *battery = new OORectView(QRect(210, 65, 15, 15), diskPanel);
         battery->setType(1);
         battery->setRectColor(QColor::fromRgbF(0.0, 1.0, 0.0));
@@ -241,8 +199,7 @@ int main(int argc, char **argv)
         ok = save(&phone, dir, QStringLiteral("summary-mockup")) && ok;
     }
     {
-        Backdrop tablet(QStringLiteral("ipad_bg2.png"));
-        tablet.resize(768, 1004);
+        ImageView tablet(QRect(0, 0, 768, 1004), QStringLiteral("ipad_bg2.png"), nullptr);
         ok = save(&tablet, dir, QStringLiteral("tablet-background")) && ok;
     }
     return ok ? 0 : 1;
