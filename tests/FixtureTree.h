@@ -1,32 +1,100 @@
 #pragma once
 
-#include <QByteArray>
+#include "InfoDictionary.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QString>
+#include <QTest>
 
-// Fixture trees copied from real machines live under KOVAR_FIXTURES; tests that
-// change files work on a copy in a temporary directory.
-class FixtureTree {
-public:
-    static QString path(const char *name) { return QStringLiteral(KOVAR_FIXTURES "/") + QLatin1String(name); }
+#include <initializer_list>
 
-    static bool writeFile(const QString &path, const QByteArray &data)
-    {
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(data) == data.size();
-    }
+// Fixture trees copied from real machines and the tables of cases live under
+// KOVAR_FIXTURES; tests that change files work on a copy in a temporary directory.
+namespace FixtureTree {
 
-    static bool copy(const QString &from, const QString &to)
-    {
-        if (!QDir().mkpath(to))
+inline QString path(const QString &name)
+{
+    return QStringLiteral(KOVAR_FIXTURES "/") + name;
+}
+
+inline bool writeFile(const QString &path, const QByteArray &data)
+{
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly | QIODevice::Truncate)
+        && file.write(data) == data.size();
+}
+
+inline bool copy(const QString &from, const QString &to)
+{
+    if (!QDir().mkpath(to))
+        return false;
+    for (const QFileInfo &entry : QDir(from).entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot)) {
+        const QString target = to + QLatin1Char('/') + entry.fileName();
+        if (entry.isDir() ? !copy(entry.filePath(), target) : !QFile::copy(entry.filePath(), target))
             return false;
-        for (const QFileInfo &entry : QDir(from).entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot)) {
-            const QString target = to + QLatin1Char('/') + entry.fileName();
-            if (entry.isDir() ? !copy(entry.filePath(), target) : !QFile::copy(entry.filePath(), target))
-                return false;
-        }
-        return true;
     }
-};
+    return true;
+}
+
+// Rows of a tab-separated table file: the first field names the row, the others fill
+// the QString columns; "#" starts a comment line, "\t" and "\n" stand for tab and line break.
+inline void addRows(const char *table, std::initializer_list<const char *> columns)
+{
+    for (const char *column : columns)
+        QTest::addColumn<QString>(column);
+    QFile file(path(QLatin1String(table)));
+    QVERIFY2(file.open(QIODevice::ReadOnly), table);
+    for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
+        const QStringList fields = line.split(u'\t');
+        if (line.startsWith(u'#'))
+            continue;
+        QVERIFY2(fields.size() == qsizetype(columns.size()) + 1, qPrintable(line));
+        QTestData &row = QTest::newRow(qPrintable(fields.first()));
+        for (qsizetype i = 1; i < fields.size(); ++i)
+            row << QString(fields.at(i)).replace(QLatin1String("\\t"), QLatin1String("\t")).replace(QLatin1String("\\n"), QLatin1String("\n"));
+    }
+}
+
+// The rows that expected names ("Key=Value|Key=Value"), as info shows them; keys are
+// unique across the sections of one dictionary.
+inline QString rowsLike(const InfoDictionary &info, const QString &expected)
+{
+    QStringList shown;
+    for (const QString &want : expected.split(u'|', Qt::SkipEmptyParts)) {
+        const QString key = want.section(u'=', 0, 0);
+        QString value = QStringLiteral("<missing>");
+        for (const QString &section : info.sectionNames()) {
+            for (const InfoRow &row : info.section(section))
+                value = row.key == key ? row.value : value;
+        }
+        shown.append(key + u'=' + value);
+    }
+    return shown.join(u'|');
+}
+
+// The lines of a table file whose first field is tag, without that field.
+inline QStringList tableLines(const char *table, const QString &tag)
+{
+    QFile file(path(QLatin1String(table)));
+    QStringList lines;
+    if (file.open(QIODevice::ReadOnly)) {
+        for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n'))
+            if (line.startsWith(tag + u'\t'))
+                lines.append(line.section(u'\t', 1));
+    }
+    return lines;
+}
+
+// The dictionary as "Section\tKey\tValue" lines in display order; a null value shows as "<null>".
+inline QStringList tableLines(const InfoDictionary &info)
+{
+    QStringList lines;
+    for (const QString &section : info.sectionNames()) {
+        for (const InfoRow &row : info.section(section))
+            lines.append(section + u'\t' + row.key + u'\t' + (row.value.isNull() ? QStringLiteral("<null>") : row.value));
+    }
+    return lines;
+}
+
+} // namespace FixtureTree

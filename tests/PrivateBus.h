@@ -1,34 +1,85 @@
 #pragma once
 
-#include <QDBusConnection>
-#include <QProcess>
-#include <QString>
-#include <QVariantList>
+#include <QtDBus>
 
-#include <memory>
-
-// A message bus of the test's own (a dbus-daemon child process) with, on demand, a
-// mock UPower on it. Everything started here is ended here, by its own process.
+// A message bus of the test's own (a dbus-daemon child) and, on demand, one mock service
+// on it (python3-dbusmock, told the bus is the system bus). Everything started here is
+// ended here, by its pid.
 class PrivateBus
 {
 public:
-    PrivateBus();
-    ~PrivateBus();
+    PrivateBus()
+    {
+        m_daemon.start(QStringLiteral("dbus-daemon"), {"--session", "--nofork", "--nopidfile", "--print-address=1"});
+        for (QDeadlineTimer deadline(10000); m_daemon.waitForStarted() && !m_daemon.canReadLine() && !deadline.hasExpired();)
+            m_daemon.waitForReadyRead(100);
+        m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        QDBusConnection::connectToBus(m_address, name);
+    }
+    ~PrivateBus()
+    {
+        stopMock();
+        QDBusConnection::disconnectFromBus(name);
+        m_daemon.kill();
+        m_daemon.waitForFinished();
+    }
 
-    bool isRunning() const;
-    QString address() const;
-    QDBusConnection connection() const;
+    QDBusConnection connection() const { return QDBusConnection(name); }
 
-    // Starts the mock UPower and waits until its name is on the bus.
-    bool startUPower();
-    void stopUPower();
+    // Starts `python3 -m dbusmock arguments...` and waits until it owns `service`.
+    bool startMock(const QString &service, const QStringList &arguments)
+    {
+        stopMock();
+        m_service = service;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), m_address);
+        m_mock.setProcessEnvironment(environment);
+        m_mock.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // Debian's interpreter explicitly: it is the one that has the mock module.
+        m_mock.start(QStringLiteral("/usr/bin/python3"), QStringList{"-m", "dbusmock"} + arguments);
+        // The name counts only once this very process owns it: a mock ended just before may
+        // still hold it for a moment.
+        for (QDeadlineTimer deadline(30000); m_mock.waitForStarted() && !deadline.hasExpired(); m_mock.waitForFinished(20)) {
+            const QDBusReply<uint> owner = connection().interface()->servicePid(service);
+            if (owner.isValid() && owner.value() == uint(m_mock.processId()))
+                return true;
+        }
+        return false;
+    }
 
-    // Calls a method of the mock's control interface; false (and a warning) on error.
-    bool callMock(const QString &method, const QVariantList &arguments);
+    void stopMock()
+    {
+        m_mock.kill();
+        m_mock.waitForFinished();
+    }
+
+    // A method of the mock's control interface at `path`; false (and a warning) on error.
+    bool callMock(const QString &path, const QString &method, const QVariantList &arguments)
+    {
+        QDBusMessage call = QDBusMessage::createMethodCall(m_service, path, QStringLiteral("org.freedesktop.DBus.Mock"), method);
+        call.setArguments(arguments);
+        const QDBusMessage reply = connection().call(call, QDBus::Block, 10000);
+        if (reply.type() != QDBusMessage::ReplyMessage)
+            qWarning("mock %s failed: %s", qPrintable(method), qPrintable(reply.errorMessage()));
+        return reply.type() == QDBusMessage::ReplyMessage;
+    }
+
+    // Round trips through the mock: whatever it sent before (signals, replies to the code
+    // under test) and what those set off, a fetch and its answer, has been delivered on return.
+    void settle()
+    {
+        const QDBusMessage ping = QDBusMessage::createMethodCall(m_service, "/", "org.freedesktop.DBus.Peer", "Ping");
+        for (int round = 0; round < 3; ++round) {
+            QCoreApplication::processEvents();
+            connection().call(ping, QDBus::Block, 10000);
+        }
+        QCoreApplication::processEvents();
+    }
 
 private:
-    std::unique_ptr<QProcess> m_daemon;
-    std::unique_ptr<QProcess> m_upower;
+    const QString name = QStringLiteral("kovar-private-bus");
+    QProcess m_daemon;
+    QProcess m_mock;
     QString m_address;
-    QString m_connectionName;
+    QString m_service;
 };

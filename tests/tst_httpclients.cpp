@@ -1,0 +1,399 @@
+#include "FixtureTree.h"
+#include "GADBannerView.h"
+#include "GADBannerViewDelegate.h"
+#include "NetworkInfoReader.h"
+#include "RenderProbe.h"
+
+#include <QtGui>
+#include <QtNetwork>
+#include <QtTest>
+
+// The two clients that ask untrusted servers: the ad banner (with its bounded fetches) and the
+// statistics core's external address query, each against one table of hostile servers.
+namespace {
+
+// An HTTP/1.1 server on 127.0.0.1: one handler per path, 404 for the rest, and a log of the
+// requests ("/path?query") on the server's own clock.
+class LoopbackHttpServer : public QTcpServer
+{
+public:
+    struct Request { QByteArray target; qint64 atMs; };
+    using Handler = std::function<void(QTcpSocket *socket, const QByteArray &path)>;
+
+    LoopbackHttpServer()
+    {
+        m_clock.start();
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket *socket = nextPendingConnection()) {
+                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { serve(socket); });
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            }
+        });
+    }
+    QUrl url(const QByteArray &path) const { return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(serverPort()).arg(QString::fromLatin1(path))); }
+    qint64 elapsedMs() const { return m_clock.elapsed(); }
+    void route(const QByteArray &path, Handler handler) { m_routes.insert(path, std::move(handler)); }
+    void routeReply(const QByteArray &path, const QByteArray &body, const QByteArray &status = "200 OK") { route(path, [=](QTcpSocket *s, const QByteArray &) { reply(s, status, body); }); }
+    QList<Request> requests(const QByteArray &path) const
+    {
+        QList<Request> matching;
+        std::copy_if(m_log.begin(), m_log.end(), std::back_inserter(matching), [&](const Request &r) { return r.target.split('?')[0] == path; });
+        return matching;
+    }
+    static void reply(QTcpSocket *socket, const QByteArray &status, const QByteArray &body, const QByteArray &headers = {})
+    {
+        socket->write("HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\nConnection: close\r\n" + headers + "\r\n" + body);
+        socket->disconnectFromHost();
+    }
+
+private:
+    void serve(QTcpSocket *socket)
+    {
+        if (!socket->peek(64 * 1024).contains("\r\n\r\n"))
+            return;
+        disconnect(socket, &QTcpSocket::readyRead, socket, nullptr);
+        const QByteArray target = socket->readAll().split(' ').value(1), path = target.split('?')[0];
+        m_log.append({target, m_clock.elapsed()});
+        m_routes.value(path, [](QTcpSocket *s, const QByteArray &) { reply(s, "404 Not Found", "no such thing"); })(socket, path);
+    }
+
+    QHash<QByteArray, Handler> m_routes;
+    QList<Request> m_log;
+    QElapsedTimer m_clock;
+};
+
+// Servers an HTTP client must give up on. Wherever the client has to refuse the answer anyway,
+// it is the test's good body, so that a client which let it through would succeed instead.
+struct HostileServer
+{
+    enum Refusal { Timeout, TooLarge, AnnouncedTooLarge, Status, Network };
+    const char *name;
+    Refusal refusal;
+    void (*serve)(QTcpSocket *socket, const QByteArray &good, const QByteArray &path);
+
+    LoopbackHttpServer::Handler serving(const QByteArray &good) const
+    {
+        return [serve = serve, good](QTcpSocket *socket, const QByteArray &path) { serve(socket, good, path); };
+    }
+    static QList<HostileServer> all()
+    {
+        using S = QTcpSocket;
+        using B = QByteArray;
+        return {
+            {"stalls", Timeout, [](S *, const B &, const B &) {}},
+            {"drips the body past the deadline", Timeout, [](S *s, const B &good, const B &) {
+                 s->write("HTTP/1.1 200 OK\r\nContent-Length: " + B::number(good.size() + 1) + "\r\n\r\n");
+                 auto *drip = new QTimer(s);
+                 QObject::connect(drip, &QTimer::timeout, s, [s, good, at = 0]() mutable { s->write(good.mid(at++, 1)); });
+                 drip->start(10);
+             }},
+            {"announces a huge body, then stalls", AnnouncedTooLarge,
+             [](S *s, const B &good, const B &) { s->write("HTTP/1.1 200 OK\r\nContent-Length: 1073741824\r\n\r\n" + good.left(1)); }},
+            {"sends an endless body without a length", TooLarge,
+             [](S *s, const B &good, const B &) { s->write("HTTP/1.1 200 OK\r\n\r\n" + good + B(2 << 20, ' ')); }},
+            {"answers 500", Status, [](S *s, const B &good, const B &) { LoopbackHttpServer::reply(s, "500 Internal Server Error", good); }},
+            {"closes before the announced length", Network, [](S *s, const B &good, const B &) {
+                 s->write("HTTP/1.1 200 OK\r\nContent-Length: " + B::number(good.size() + 100) + "\r\n\r\n" + good);
+                 s->flush();
+                 s->abort();
+             }},
+            {"redirects to itself", Network, [](S *s, const B &good, const B &path) {
+                 LoopbackHttpServer::reply(s, "302 Found", good, "Location: http://127.0.0.1:" + B::number(s->localPort()) + path + "\r\n");
+             }},
+            {"redirects to file:", Network,
+             [](S *s, const B &good, const B &) { LoopbackHttpServer::reply(s, "302 Found", good, "Location: file:///etc/hostname\r\n"); }},
+        };
+    }
+};
+
+using E = GADRequestError;
+const QColor Red(255, 0, 0);
+constexpr int Arrival = -1; // in a recorder's codes, beside the error codes
+
+// Every callback of a banner, in order.
+struct Recorder : GADBannerViewDelegate
+{
+    void adViewDidReceiveAd(GADBannerView *view) override { views << view, codes << Arrival; }
+    void adView(GADBannerView *view, const GADRequestError &error) override { views << view, codes << error.code; }
+    QList<GADBannerView *> views;
+    QList<int> codes;
+};
+using Banner = std::pair<std::unique_ptr<GADBannerView>, std::unique_ptr<Recorder>>;
+
+bool waitFor(const std::function<bool()> &condition, int ms = 5000)
+{
+    const QDeadlineTimer deadline(ms);
+    while (!condition() && !deadline.hasExpired())
+        QTest::qWait(1);
+    return condition();
+}
+
+QByteArray fixture(const QString &name)
+{
+    QFile file(FixtureTree::path(QStringLiteral("banner/") + name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// What a server answers a banner on show with, what the banner then shows, and a click on it.
+struct Answer
+{
+    QString server;
+    int code = Arrival;
+    QSize imageSize = {640, 100};
+    QPoint painted = {160, 25}, unpainted = {}; // unpainted: outside the scaled image, or (0, 0)
+    int timeoutMs = 3000;
+    Qt::MouseButton button = Qt::LeftButton;
+    QPoint press = {160, 25}, release = {160, 25}; // a left click released inside opens the address
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Answer)
+
+class TestHttpClients : public QObject
+{
+    Q_OBJECT
+
+    LoopbackHttpServer m_server;
+    QList<QUrl> m_opened;
+    std::vector<Banner> m_kept;
+    const QByteArray m_png = fixture(QStringLiteral("red-640x100.png"));
+
+    // Banner descriptions, with "$" for the server's address until resolved.
+    static QByteArray description(const QByteArray &image, const QByteArray &more = "") { return "{\"image\": \"" + image + "\", \"click\": \"$/click/new\"" + more + '}'; }
+    QByteArray resolved(QByteArray json) const { return json.replace('$', m_server.url({}).toEncoded()); }
+    void routeBanner(const QByteArray &server, const QByteArray &json) { m_server.routeReply(server + "/v1/banner", resolved(json)); }
+    Banner banner(const QString &server, int timeoutMs = 5000, int msPerSecond = 1000)
+    {
+        Banner made{std::make_unique<GADBannerView>(QRect(0, 0, 320, 50)), std::make_unique<Recorder>()};
+        made.first->applicationStateChanged(Qt::ApplicationActive);
+        made.first->setAdUnitID(QStringLiteral("c0ffee000000001"));
+        made.first->setServerUrl(server.startsWith(u"http") ? QUrl(server) : m_server.url(server.toLatin1()));
+        made.first->setTiming({timeoutMs, msPerSecond});
+        made.first->setDelegate(made.second.get());
+        return made;
+    }
+
+public Q_SLOTS:
+    void open(const QUrl &url) { m_opened << url; } // the user's browser
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_server.listen(QHostAddress::LocalHost));
+        for (const char *scheme : {"http", "https", "file", "javascript"})
+            QDesktopServices::setUrlHandler(QLatin1String(scheme), this, "open");
+        for (const QString &name : QDir(FixtureTree::path(QStringLiteral("banner"))).entryList(QDir::Files))
+            m_server.routeReply("/banner/" + name.toLatin1(), fixture(name));
+        routeBanner("/shown", description("$/banner/red-640x100.png").replace("/click/new", "/click/shown"));
+    }
+    void init() { m_opened.clear(); }
+    void cleanupTestCase()
+    {
+        for (const char *scheme : {"http", "https", "file", "javascript"})
+            QDesktopServices::unsetUrlHandler(QLatin1String(scheme));
+    }
+
+    void answers_data()
+    {
+        QTest::addColumn<Answer>("answer");
+        m_server.routeReply("/full.png", m_png + QByteArray(GADBannerView::MaxImageBytes - m_png.size(), '\0'));
+        QByteArray full = resolved(description("$/full.png"));
+        routeBanner("/full", full.insert(1, QByteArray(GADBannerView::MaxResponseBytes - full.size(), ' ')));
+        routeBanner("/jpeg", description("$/banner/red-640x100.jpg"));
+        routeBanner("/gif", description("$/banner/red-1x1.gif"));
+        routeBanner("/deep/prefix", description("$/banner/red-640x100.png"));
+        const QByteArray moved = "Location: " + m_server.url("/deep/prefix/v1/banner").toEncoded() + "\r\n";
+        m_server.route("/moved/v1/banner", [moved](QTcpSocket *socket, const QByteArray &) { LoopbackHttpServer::reply(socket, "302 Found", {}, moved); });
+        QTest::newRow("PNG of exactly 1 MiB in JSON of exactly 64 KiB fills the banner") << Answer{.server = "/full", .painted = {2, 2}};
+        QTest::newRow("JPEG; a right click opens nothing") << Answer{.server = "/jpeg", .button = Qt::RightButton};
+        QTest::newRow("GIF of one pixel, scaled up square and centred; a click beside it opens the address")
+            << Answer{.server = "/gif", .imageSize = {1, 1}, .unpainted = {100, 25}, .press = {319, 49}, .release = {319, 49}};
+        QTest::newRow("server address with a path prefix; a drag off the bottom opens nothing")
+            << Answer{.server = "/deep/prefix", .painted = {317, 47}, .press = {100, 20}, .release = {100, 50}};
+        QTest::newRow("server address with a trailing slash; a drag off the left opens nothing")
+            << Answer{.server = "/deep/prefix/", .press = {100, 20}, .release = {-1, 20}};
+        QTest::newRow("a redirect") << Answer{.server = "/moved"};
+
+        // Each refused answer at a path of its own: /<n>/v1/banner, and /<n>/image for its image.
+        int rows = 0;
+        const auto add = [&](const char *name, const QByteArray &json, int code, LoopbackHttpServer::Handler image = {}, int timeoutMs = 3000) {
+            const QByteArray path = '/' + QByteArray::number(++rows);
+            routeBanner(path, QByteArray(json).replace("$/image", "$" + path + "/image"));
+            m_server.route(path + "/image", image ? image : [](QTcpSocket *s, const QByteArray &) { LoopbackHttpServer::reply(s, "404 Not Found", {}); });
+            QTest::newRow(name) << Answer{.server = QString::fromLatin1(path), .code = code, .timeoutMs = timeoutMs};
+        };
+        const QStringList codeNames = {"NotConfigured", "NetworkError", "ServerError", "InvalidResponse", "InvalidImage", "Timeout", "TooLarge"};
+        for (const QByteArray &line : fixture(QStringLiteral("refused.tsv")).trimmed().split('\n')) {
+            const QList<QByteArray> row = line.split('\t'); // name, code, the JSON the server sends
+            add(row.value(0).constData(), row.value(2), codeNames.indexOf(QString::fromLatin1(row.value(1))));
+        }
+        const E::Code codes[] = {E::Timeout, E::TooLarge, E::TooLarge, E::ServerError, E::NetworkError};
+        for (const HostileServer &hostile : HostileServer::all()) {
+            const int timeoutMs = hostile.refusal == HostileServer::Timeout ? 80 : 3000;
+            add(qPrintable(QStringLiteral("server %1").arg(hostile.name)), "{}", codes[hostile.refusal], {}, timeoutMs);
+            m_server.route('/' + QByteArray::number(rows) + "/v1/banner", hostile.serving(resolved(description("$/banner/red-640x100.png"))));
+            add(qPrintable(QStringLiteral("image server %1").arg(hostile.name)), description("$/image"), codes[hostile.refusal], hostile.serving(m_png), timeoutMs);
+        }
+        QTest::newRow("connection refused") << Answer{.server = "http://127.0.0.1:1", .code = E::NetworkError};
+    }
+    void answers()
+    {
+        QFETCH(Answer, answer);
+        Banner b = banner(QStringLiteral("/shown"));
+        b.first->loadRequest({});
+        QVERIFY(waitFor([&] { return !b.second->codes.isEmpty(); }));
+        const QImage shown = b.first->image();
+        b.first->setServerUrl(answer.server.startsWith(u"http") ? QUrl(answer.server) : m_server.url(answer.server.toLatin1()));
+        b.first->setTiming({answer.timeoutMs, 1000});
+        b.first->loadRequest({});
+        QVERIFY(waitFor([&] { return b.second->codes.size() > 1; }, answer.timeoutMs + 1000));
+        QCOMPARE(b.second->codes, (QList<int>{Arrival, answer.code}));
+        QCOMPARE(b.second->views.last(), b.first.get());
+        const QByteArray path = answer.server.toLatin1() + (answer.server.endsWith(u'/') ? "" : "/") + "v1/banner";
+        QVERIFY(answer.server.startsWith(u"http") || m_server.requests(path).value(0).target == path + "?unit=c0ffee000000001&w=320&h=50");
+
+        // A refused answer leaves the banner on show, and a click opens the address of the one on show.
+        QVERIFY(answer.code == Arrival || b.first->image() == shown);
+        QCOMPARE(b.first->image().size(), answer.code == Arrival ? answer.imageSize : shown.size());
+        const QImage shot = b.first->grab().toImage();
+        const QColor inside = RenderProbe::at(shot, answer.painted.x(), answer.painted.y());
+        QVERIFY2(RenderProbe::near(inside, Red, 40), qPrintable(RenderProbe::describe(inside)));
+        QVERIFY(answer.unpainted.isNull() || !RenderProbe::near(RenderProbe::at(shot, answer.unpainted.x(), answer.unpainted.y()), Red, 60));
+        QTest::mousePress(b.first.get(), answer.button, {}, answer.press);
+        QTest::mouseRelease(b.first.get(), answer.button, {}, answer.release);
+        const bool opens = answer.button == Qt::LeftButton && b.first->rect().contains(answer.release);
+        QCOMPARE(m_opened, opens ? QList<QUrl>{m_server.url(answer.code == Arrival ? "/click/new" : "/click/shown")} : QList<QUrl>{});
+        m_kept.push_back(std::move(b)); // see noSecondCallback()
+    }
+
+    void schedule()
+    {
+        // All at once, each at so many ms a second; from one request to the next.
+        const struct { const char *name, *refresh; int msPerSecond, seconds; } cases[] = {
+            {"refresh 40 is taken as given", ", \"refresh\": 40", 3, 40},
+            {"refresh 1 is raised to 30", ", \"refresh\": 1", 3, 30},
+            {"refresh 1000 is cut to 300", ", \"refresh\": 1000", 1, 300},
+            {"refresh missing means 60", "", 3, 60},
+            {"a failure is retried after 60", nullptr, 3, 60},
+        };
+        std::vector<Banner> banners;
+        const auto asked = [this](size_t i) { return m_server.requests("/refresh/" + QByteArray::number(i) + "/v1/banner"); };
+        for (const auto &c : cases) {
+            const QByteArray path = "/refresh/" + QByteArray::number(banners.size());
+            m_server.routeReply(path + "/v1/banner", resolved(description("$/banner/red-640x100.png", c.refresh)), c.refresh ? "200 OK" : "500 Internal Server Error");
+            banners.push_back(banner(QString::fromLatin1(path), 5000, c.msPerSecond));
+            banners.back().first->loadRequest({});
+        }
+        QVERIFY(waitFor([&] { return asked(0).size() > 1 && asked(1).size() > 1 && asked(2).size() > 1 && asked(3).size() > 1 && asked(4).size() > 1; }));
+        for (size_t i = 0; i < banners.size(); ++i) {
+            const qint64 gap = asked(i).at(1).atMs - asked(i).at(0).atMs, expected = cases[i].seconds * cases[i].msPerSecond;
+            QVERIFY2(gap >= expected * 0.85 && gap <= expected * 2 + 300, qPrintable(QStringLiteral("%1: %2 ms").arg(cases[i].name).arg(gap)));
+        }
+    }
+
+    void pause()
+    {
+        // refresh 30 at 3 ms a second: due 90 ms after an answer.
+        routeBanner("/pause", description("$/banner/red-640x100.png"));
+        const auto asked = [this] { return m_server.requests("/pause/v1/banner"); };
+        const Banner b = banner(QStringLiteral("/pause"), 5000, 3);
+        // Loaded while the application is inactive: not even a network manager yet.
+        b.first->applicationStateChanged(Qt::ApplicationInactive);
+        b.first->loadRequest({});
+        QVERIFY(b.first->findChildren<QNetworkAccessManager *>().isEmpty() && !b.first->testAttribute(Qt::WA_SetCursor));
+        b.first->applicationStateChanged(Qt::ApplicationActive);
+        QVERIFY(waitFor([&] { return !b.second->codes.isEmpty(); }));
+        QCOMPARE(b.first->cursor().shape(), Qt::PointingHandCursor);
+        // Paused briefly: the remaining time runs on.
+        b.first->applicationStateChanged(Qt::ApplicationInactive);
+        b.first->applicationStateChanged(Qt::ApplicationActive);
+        QVERIFY(waitFor([&] { return b.second->codes.size() == 2; }));
+        QVERIFY2(asked()[1].atMs - asked()[0].atMs >= 75, qPrintable(QString::number(asked()[1].atMs - asked()[0].atMs)));
+        // Paused past the due time: nothing until the application is active again, then at once.
+        b.first->applicationStateChanged(Qt::ApplicationInactive);
+        QVERIFY(waitFor([&] { return m_server.elapsedMs() > asked()[1].atMs + 150; }));
+        QCOMPARE(asked().size(), 2);
+        const qint64 activated = m_server.elapsedMs();
+        b.first->applicationStateChanged(Qt::ApplicationActive);
+        QVERIFY(waitFor([&] { return asked().size() == 3; }));
+        QVERIFY2(asked()[2].atMs - activated < 60, qPrintable(QString::number(asked()[2].atMs - activated)));
+    }
+
+    void notConfigured_data() { FixtureTree::addRows("banner/parked.tsv", {"server", "unit"}); }
+    void notConfigured()
+    {
+        QFETCH(QString, server);
+        QFETCH(QString, unit);
+        Banner b = banner(server, 5000, 1); // a retry would come 60 ms later
+        b.first->setServerUrl(QUrl(server.replace(u'$', m_server.url({}).authority())));
+        b.first->setAdUnitID(unit);
+        b.first->loadRequest({});
+        b.first->setDelegate(nullptr); // hears nothing, and nothing breaks
+        QCoreApplication::processEvents();
+        // Told once, through the event loop, whoever is the delegate by then; the first load's failure is dropped.
+        Recorder first;
+        b.first->setDelegate(&first);
+        b.first->loadRequest({});
+        b.first->loadRequest({});
+        b.first->setDelegate(b.second.get());
+        QVERIFY(waitFor([&] { return !b.second->codes.isEmpty(); }));
+        QCOMPARE(b.second->codes, QList<int>{E::NotConfigured});
+        QVERIFY(first.codes.isEmpty() && b.first->findChildren<QNetworkAccessManager *>().isEmpty());
+        // Nor does becoming active again wake a parked banner.
+        b.first->applicationStateChanged(Qt::ApplicationInactive);
+        b.first->applicationStateChanged(Qt::ApplicationActive);
+        m_kept.push_back(std::move(b));
+    }
+
+    void noSecondCallback()
+    {
+        // One wait for all the banners kept above, past their time-outs and a parked banner's retry:
+        // each was told once more after its banner on show, if it had one.
+        QTest::qWait(200);
+        for (const Banner &b : m_kept)
+            QCOMPARE(b.second->codes.size(), b.second->codes.first() == Arrival ? 2 : 1);
+        QVERIFY(m_server.requests("/parked/v1/banner").isEmpty());
+    }
+
+    void externalAddress_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<int>("timeoutMs");
+        QTest::addColumn<QString>("expected"); // empty: an error text, not the address
+        const QByteArray address = "203.0.113.7\n" + QByteArray(1024 - 12, ' '); // exactly the default 1 KiB cap
+        m_server.routeReply("/address", address);
+        m_server.routeReply("/non-ascii", "203.0.113.7 \xC3\xA9t\xC3\xA9");
+        QTest::newRow("body of exactly 1 KiB") << m_server.url("/address").toString() << 3000 << QString::fromLatin1(address);
+        QTest::newRow("non-ASCII body") << m_server.url("/non-ascii").toString() << 3000 << "The response is not ASCII text.";
+        QTest::newRow("no endpoint configured") << "" << 3000 << "No external address endpoint is configured";
+        QTest::newRow("https, not plain HTTP") << "https://127.0.0.1:1/" << 3000 << "The external address endpoint is not a plain HTTP address";
+        QTest::newRow("no host") << "http:///path" << 3000 << "The external address endpoint is not a plain HTTP address";
+        // The announced length alone ends nothing here: the body is read, up to the cap, until the deadline.
+        const QString timedOut = QStringLiteral("The request timed out.");
+        const QString expected[] = {timedOut, QStringLiteral("The response is too large to be an address."), timedOut, {}, {}};
+        for (const HostileServer &hostile : HostileServer::all()) {
+            const QByteArray path = "/address/" + QByteArray(hostile.name).replace(' ', '-');
+            m_server.route(path, hostile.serving(address));
+            QTest::newRow(qPrintable(QStringLiteral("server %1").arg(hostile.name))) << m_server.url(path).toString()
+                                                                                     << (expected[hostile.refusal] == timedOut ? 80 : 3000) << expected[hostile.refusal];
+        }
+    }
+    void externalAddress()
+    {
+        QFETCH(QString, url);
+        QFETCH(int, timeoutMs);
+        QFETCH(QString, expected);
+        NetworkInfoReader reader(QStringLiteral("/"), NetworkInfoReader::Seams{});
+        reader.setExternalIPUrl(url);
+        reader.setExternalIPTimeout(timeoutMs);
+        const QString result = reader.externalIPAddress();
+        if (expected.isEmpty())
+            QVERIFY2(!result.isEmpty() && !result.contains(u"203.0"), qPrintable(result));
+        else
+            QCOMPARE(result, expected);
+    }
+};
+
+QTEST_MAIN(TestHttpClients)
+#include "tst_httpclients.moc"
