@@ -7,6 +7,7 @@
 
 #include <QEvent>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QPalette>
 #include <QWidget>
 
@@ -29,6 +30,7 @@ MonitorAppDelegate::MonitorAppDelegate(QSize windowSize, Device *device, QObject
     , m_window(std::make_unique<QWidget>())
 {
     m_window->setWindowTitle(QStringLiteral("KOVAR"));
+    m_window->setWindowIcon(QIcon(QStringLiteral(":/icons/kovar.svg")));
     // Portrait only: whatever the window manager tries, the device screen keeps its shape.
     m_window->setFixedSize(windowSize);
     makeOpaque(m_window.get(), Qt::black);

@@ -16,6 +16,8 @@ int main(int argc, char *argv[])
 {
     QCoreApplication::setApplicationName(QStringLiteral("kovar"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KOVAR_VERSION));
+    // Wayland compositors and phone shells find the desktop entry, and so the icon, by this name.
+    QGuiApplication::setDesktopFileName(QStringLiteral(KOVAR_APP_ID));
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
