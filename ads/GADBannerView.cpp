@@ -1,15 +1,11 @@
 #include "GADBannerView.h"
 
+#include "BannerResponse.h"
 #include "BoundedFetch.h"
 #include "GADBannerViewDelegate.h"
 
-#include <QBuffer>
 #include <QDesktopServices>
 #include <QGuiApplication>
-#include <QImageReader>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QJsonValue>
 #include <QMouseEvent>
 #include <QNetworkAccessManager>
 #include <QPainter>
@@ -18,7 +14,6 @@
 #include <QUrlQuery>
 
 #include <algorithm>
-#include <cmath>
 
 #ifndef KOVAR_AD_SERVER_URL
 #define KOVAR_AD_SERVER_URL ""
@@ -30,8 +25,6 @@
 namespace {
 
 constexpr int MaxImageSide = 4096;
-// QImageReader's limit is in megabytes: room for the largest image we accept, 32 bits a pixel.
-constexpr int ImageAllocationLimitMB = MaxImageSide * MaxImageSide * 4 / (1024 * 1024);
 
 bool isValidAdUnitID(const QString &adUnitID)
 {
@@ -156,48 +149,16 @@ void GADBannerView::Private::jsonFetched()
     BoundedFetch *done = takeFinishedFetch();
     if (!done)
         return;
-
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(done->body(), &parseError);
-    if (parseError.error != QJsonParseError::NoError) {
-        failed(makeError(GADRequestError::InvalidResponse,
-                         QStringLiteral("The banner description is not JSON: %1").arg(parseError.errorString())));
+    GADRequestError error;
+    const std::optional<BannerResponse::Description> description = BannerResponse::parseDescription(
+        done->body(), MinRefreshSeconds, MaxRefreshSeconds, DefaultRefreshSeconds, &error);
+    if (!description) {
+        failed(error);
         return;
     }
-    if (!document.isObject()) {
-        failed(makeError(GADRequestError::InvalidResponse, QStringLiteral("The banner description is not an object")));
-        return;
-    }
-    const QJsonObject object = document.object();
-    const QJsonValue imageValue = object.value(QLatin1String("image"));
-    const QJsonValue clickValue = object.value(QLatin1String("click"));
-    const QJsonValue refreshValue = object.value(QLatin1String("refresh"));
-    if (!imageValue.isString() || !clickValue.isString()) {
-        failed(makeError(GADRequestError::InvalidResponse,
-                         QStringLiteral("The banner description lacks an \"image\" or \"click\" text")));
-        return;
-    }
-    const QUrl imageUrl(imageValue.toString(), QUrl::StrictMode);
-    const QUrl click(clickValue.toString(), QUrl::StrictMode);
-    if (!BoundedFetch::isWebUrl(imageUrl) || !BoundedFetch::isWebUrl(click)) {
-        failed(makeError(GADRequestError::InvalidResponse,
-                         QStringLiteral("The banner's image or click address is not an http(s) address")));
-        return;
-    }
-    int refreshSeconds = DefaultRefreshSeconds;
-    if (!refreshValue.isUndefined()) {
-        if (!refreshValue.isDouble()) {
-            failed(makeError(GADRequestError::InvalidResponse, QStringLiteral("\"refresh\" is not a number")));
-            return;
-        }
-        // Clamp before converting: the server's number may be far outside int.
-        const double seconds = std::round(refreshValue.toDouble());
-        refreshSeconds = int(std::clamp(seconds, double(MinRefreshSeconds), double(MaxRefreshSeconds)));
-    }
-
-    pendingClickUrl = click;
-    pendingRefreshSeconds = refreshSeconds;
-    fetch = new BoundedFetch(manager, imageUrl, MaxImageBytes, timing.requestTimeoutMs, q);
+    pendingClickUrl = description->click;
+    pendingRefreshSeconds = description->refreshSeconds;
+    fetch = new BoundedFetch(manager, description->image, MaxImageBytes, timing.requestTimeoutMs, q);
     QObject::connect(fetch, &BoundedFetch::finished, q, [this] { imageFetched(); });
 }
 
@@ -206,36 +167,14 @@ void GADBannerView::Private::imageFetched()
     BoundedFetch *done = takeFinishedFetch();
     if (!done)
         return;
-
-    QByteArray bytes = done->body();
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
-    const QByteArray format = reader.format();
-    if (format != "png" && format != "jpeg" && format != "jpg" && format != "gif") {
-        failed(makeError(GADRequestError::InvalidImage, QStringLiteral("The banner image is not PNG, JPEG or GIF")));
-        return;
-    }
-    const QSize size = reader.size();
-    if (!size.isValid() || size.isEmpty()) {
-        failed(makeError(GADRequestError::InvalidImage, QStringLiteral("The banner image has no size")));
-        return;
-    }
-    if (size.width() > MaxImageSide || size.height() > MaxImageSide) {
-        failed(makeError(GADRequestError::TooLarge, QStringLiteral("The banner image is %1 x %2 pixels, too large")
-                                                        .arg(size.width())
-                                                        .arg(size.height())));
-        return;
-    }
-    // The limit is process-wide: lower it for a banner's sake, never raise a stricter one.
-    const int allocationLimit = QImageReader::allocationLimit();
-    if (allocationLimit == 0 || allocationLimit > ImageAllocationLimitMB)
-        QImageReader::setAllocationLimit(ImageAllocationLimitMB);
-    const QImage decoded = reader.read();
+    // Kept at no more than the frame at the screen's scale (at least twice the
+    // frame, what banners are drawn for): a server's 4096-pixel image would
+    // otherwise stay decoded at 64 MiB for a 320 x 50 slot.
+    const qreal scale = std::max<qreal>(2.0, q->devicePixelRatioF());
+    GADRequestError error;
+    const QImage decoded = BannerResponse::decodeImage(done->body(), MaxImageSide, q->size() * scale, &error);
     if (decoded.isNull()) {
-        failed(makeError(GADRequestError::InvalidImage,
-                         QStringLiteral("The banner image does not decode: %1").arg(reader.errorString())));
+        failed(error);
         return;
     }
     arrived(decoded, pendingClickUrl, pendingRefreshSeconds);

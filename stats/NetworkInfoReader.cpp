@@ -372,6 +372,11 @@ QString NetworkInfoReader::externalIPAddress() const
     reply->deleteLater();
     if (!failure.isEmpty())
         return failure;
+    return externalAddressFromBody(body);
+}
+
+QString NetworkInfoReader::externalAddressFromBody(const QByteArray &body)
+{
     for (const char c : body) {
         if (static_cast<unsigned char>(c) > 0x7F || c == '\0')
             return QStringLiteral("The response is not ASCII text.");

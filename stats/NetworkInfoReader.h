@@ -61,6 +61,8 @@ public:
     QString wifiIPAddress() const;
     QString cellularIPAddress() const;
     QString externalIPAddress() const;   // body, or an error text
+    // What the address endpoint's body shows as: the body, or why it is not an address.
+    static QString externalAddressFromBody(const QByteArray &body);
 
     void pingReachabilityInternal();
     bool networkAvailable();

@@ -8,7 +8,9 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 namespace {
@@ -82,37 +84,46 @@ std::optional<RouteLookup::Route> RouteLookup::lookupIPv4(std::uint32_t addressH
                 continue;
             return std::nullopt;
         }
-        int remaining = int(received);
-        for (auto *message = reinterpret_cast<nlmsghdr *>(buffer); NLMSG_OK(message, remaining);
-             message = NLMSG_NEXT(message, remaining)) {
-            if (message->nlmsg_seq != request.header.nlmsg_seq)
+        std::optional<Route> route = parseAnswer(buffer, std::size_t(received), request.header.nlmsg_seq);
+        if (!route)
+            continue;
+        char name[IF_NAMESIZE + 1] = {};
+        if (route->exists && ::if_indextoname(unsigned(route->interfaceIndex), name))
+            route->interfaceName = QString::fromUtf8(name);
+        return route;
+    }
+    return std::nullopt;
+}
+
+std::optional<RouteLookup::Route> RouteLookup::parseAnswer(const void *datagram, std::size_t length,
+                                                           std::uint32_t sequence)
+{
+    int remaining = int(std::min<std::size_t>(length, INT_MAX));
+    for (auto *message = static_cast<const nlmsghdr *>(datagram); NLMSG_OK(message, remaining);
+         message = NLMSG_NEXT(message, remaining)) {
+        if (message->nlmsg_seq != sequence)
+            continue;
+        if (message->nlmsg_type == NLMSG_ERROR) {
+            const auto *error = static_cast<const nlmsgerr *>(NLMSG_DATA(message));
+            if (error->error == 0)
                 continue;
-            if (message->nlmsg_type == NLMSG_ERROR) {
-                const auto *error = static_cast<const nlmsgerr *>(NLMSG_DATA(message));
-                if (error->error == 0)
-                    continue;
-                // ENETUNREACH and friends: the kernel was asked and said "no route".
-                return Route{};
-            }
-            if (message->nlmsg_type != RTM_NEWROUTE)
-                continue;
-            const auto *route = static_cast<const rtmsg *>(NLMSG_DATA(message));
-            if (route->rtm_type != RTN_UNICAST && route->rtm_type != RTN_LOCAL)
-                return Route{};
-            Route result;
-            int attributesLength = int(RTM_PAYLOAD(message));
-            for (auto *attribute = RTM_RTA(route); RTA_OK(attribute, attributesLength);
-                 attribute = RTA_NEXT(attribute, attributesLength)) {
-                if (attribute->rta_type == RTA_OIF && RTA_PAYLOAD(attribute) >= sizeof(int)) {
-                    std::memcpy(&result.interfaceIndex, RTA_DATA(attribute), sizeof(int));
-                }
-            }
-            result.exists = result.interfaceIndex > 0;
-            char name[IF_NAMESIZE + 1] = {};
-            if (result.exists && ::if_indextoname(unsigned(result.interfaceIndex), name))
-                result.interfaceName = QString::fromUtf8(name);
-            return result;
+            // ENETUNREACH and friends: the kernel was asked and said "no route".
+            return Route{};
         }
+        if (message->nlmsg_type != RTM_NEWROUTE)
+            continue;
+        const auto *route = static_cast<const rtmsg *>(NLMSG_DATA(message));
+        if (route->rtm_type != RTN_UNICAST && route->rtm_type != RTN_LOCAL)
+            return Route{};
+        Route result;
+        int attributesLength = int(RTM_PAYLOAD(message));
+        for (auto *attribute = RTM_RTA(route); RTA_OK(attribute, attributesLength);
+             attribute = RTA_NEXT(attribute, attributesLength)) {
+            if (attribute->rta_type == RTA_OIF && RTA_PAYLOAD(attribute) >= sizeof(int))
+                std::memcpy(&result.interfaceIndex, RTA_DATA(attribute), sizeof(int));
+        }
+        result.exists = result.interfaceIndex > 0;
+        return result;
     }
     return std::nullopt;
 }

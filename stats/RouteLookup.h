@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -18,4 +19,10 @@ public:
     // addressHostOrder is an IPv4 address in host byte order.
     // nullopt when the kernel could not be asked at all.
     static std::optional<Route> lookupIPv4(std::uint32_t addressHostOrder);
+
+    // One datagram of the kernel's answer to request sequence: the route (its
+    // interface not yet named), Route{} when the kernel said there is none, nullopt
+    // when the datagram holds no answer to that request. The datagram is read in
+    // place, so it must be aligned as a netlink header is (as any allocation is).
+    static std::optional<Route> parseAnswer(const void *datagram, std::size_t length, std::uint32_t sequence);
 };
