@@ -34,6 +34,13 @@ private:
     int m_fd;
 };
 
+// NLMSG_OK, without its comparison of a signed length with an unsigned one.
+bool messageFits(const nlmsghdr *message, int remaining)
+{
+    return remaining >= int(sizeof(nlmsghdr)) && message->nlmsg_len >= sizeof(nlmsghdr)
+        && message->nlmsg_len <= unsigned(remaining);
+}
+
 } // namespace
 
 std::optional<RouteLookup::Route> RouteLookup::lookupIPv4(std::uint32_t addressHostOrder)
@@ -99,7 +106,7 @@ std::optional<RouteLookup::Route> RouteLookup::parseAnswer(const void *datagram,
                                                            std::uint32_t sequence)
 {
     int remaining = int(std::min<std::size_t>(length, INT_MAX));
-    for (auto *message = static_cast<const nlmsghdr *>(datagram); NLMSG_OK(message, remaining);
+    for (auto *message = static_cast<const nlmsghdr *>(datagram); messageFits(message, remaining);
          message = NLMSG_NEXT(message, remaining)) {
         if (message->nlmsg_seq != sequence)
             continue;

@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
 #include <net/if.h>
 #include <sys/socket.h>
 
@@ -212,6 +214,22 @@ private Q_SLOTS:
     {
         QFETCH(QString, mcc);
         QTEST(MobileCountryCodes::isoCountryCode(mcc), "iso");
+    }
+
+    void routeAnswer_data() { addRows("stats-tables/route-answers.tsv", {"datagram", "sequence", "answer"}); }
+    void routeAnswer()
+    {
+        QFETCH(QString, datagram);
+        QFETCH(QString, sequence);
+        QFile file(path(QStringLiteral("route-answers/") + datagram));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        // Exactly as long as the datagram, so that the sanitizers catch a read past its end.
+        const auto exact = std::make_unique<char[]>(std::size_t(bytes.size()));
+        std::memcpy(exact.get(), bytes.constData(), std::size_t(bytes.size()));
+        const Route route = RouteLookup::parseAnswer(exact.get(), std::size_t(bytes.size()), sequence.toUInt());
+        QTEST(!route ? QStringLiteral("-") : route->exists ? QString::number(route->interfaceIndex) : QStringLiteral("no route"),
+              "answer");
     }
 
     void thisMachine()
