@@ -111,13 +111,16 @@ std::optional<RouteLookup::Route> RouteLookup::parseAnswer(const void *datagram,
         if (message->nlmsg_seq != sequence)
             continue;
         if (message->nlmsg_type == NLMSG_ERROR) {
+            if (message->nlmsg_len < NLMSG_LENGTH(sizeof(nlmsgerr)))
+                continue;
             const auto *error = static_cast<const nlmsgerr *>(NLMSG_DATA(message));
             if (error->error == 0)
                 continue;
             // ENETUNREACH and friends: the kernel was asked and said "no route".
             return Route{};
         }
-        if (message->nlmsg_type != RTM_NEWROUTE)
+        // A message too short for what its type promises is not an answer.
+        if (message->nlmsg_type != RTM_NEWROUTE || message->nlmsg_len < NLMSG_LENGTH(sizeof(rtmsg)))
             continue;
         const auto *route = static_cast<const rtmsg *>(NLMSG_DATA(message));
         if (route->rtm_type != RTN_UNICAST && route->rtm_type != RTN_LOCAL)
