@@ -27,6 +27,10 @@ QString StartTimeFormatter::format(qint64 secondsSinceEpoch) const
 {
     if (!m_format)
         return QString();
+    constexpr qint64 firstSecondOfYear1 = -62135596800;
+    constexpr qint64 lastSecondOfYear9999 = 253402300799;
+    if (secondsSinceEpoch < firstSecondOfYear1 || secondsSinceEpoch > lastSecondOfYear9999)
+        return QStringLiteral("");
     UChar buffer[128];
     UErrorCode status = U_ZERO_ERROR;
     const UDate when = double(secondsSinceEpoch) * 1000.0;

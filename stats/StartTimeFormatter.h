@@ -14,7 +14,8 @@ public:
     StartTimeFormatter &operator=(const StartTimeFormatter &) = delete;
 
     bool isValid() const { return m_format != nullptr; }
-    // Empty when the formatter could not be opened.
+    // Empty when the formatter could not be opened, and for a moment outside the
+    // years 1 to 9999 (the calendar would clamp it to a date that never was).
     QString format(qint64 secondsSinceEpoch) const;
 
 private:

@@ -209,7 +209,13 @@ const QString &StatCore::startTimeText(int pid, quint64 startTicks, qint64 bootT
     if (entry.text.isNull() || entry.startTicks != startTicks || entry.bootTime != bootTime) {
         entry.startTicks = startTicks;
         entry.bootTime = bootTime;
-        entry.text = m_startTimeFormatter.format(bootTime + qint64(startTicks / quint64(m_clockTicks)));
+        // A garbled boot time or start tick can be anything up to 2^63: past the end of
+        // the calendar the process has no start time to show.
+        qint64 seconds = 0;
+        if (__builtin_add_overflow(bootTime, qint64(startTicks / quint64(m_clockTicks)), &seconds))
+            entry.text = QStringLiteral("");
+        else
+            entry.text = m_startTimeFormatter.format(seconds);
     }
     entry.seenInScan = m_scan;
     return entry.text;
