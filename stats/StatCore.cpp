@@ -8,8 +8,10 @@
 #include <QMutex>
 
 #include <atomic>
+#include <algorithm>
 #include <climits>
 #include <cmath>
+#include <limits>
 #include <cstdio>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -143,19 +145,24 @@ MemoryUsageData StatCore::memoryUsage() const
     data.pageSize = qint32(pageSize);
 
     const std::optional<ProcReader::MemInfo> info = m_reader.memInfo();
-    quint32 freeCount = 0;
-    quint32 activeCount = 0;
-    quint32 inactiveCount = 0;
-    quint32 wireCount = 0;
-    // Wired is what is left of MemTotal: kernel, slab, page tables and the like.
+    // Page counts are 64-bit here: a machine of more than 16 TiB has more than 2^32.
+    quint64 freeCount = 0;
+    quint64 activeCount = 0;
+    quint64 inactiveCount = 0;
+    quint64 wireCount = 0;
+    // Wired is what is left of MemTotal: kernel, slab, page tables and the like. A
+    // garbled file's counts may add up past 2^64 and wrap below the total.
+    quint64 used = 0;
     const bool haveCounts = info && info->memTotal && info->memFree && info->active && info->inactive
-        && *info->memFree + *info->active + *info->inactive <= *info->memTotal;
+        && !__builtin_add_overflow(*info->memFree, *info->active, &used)
+        && !__builtin_add_overflow(used, *info->inactive, &used) && used <= *info->memTotal
+        && *info->memTotal <= std::numeric_limits<quint64>::max() / 1024;
     if (haveCounts && pageSize > 0) {
-        const auto pages = [pageSize](quint64 kiB) { return quint32(kiB * 1024 / pageSize); };
+        const auto pages = [pageSize](quint64 kiB) { return kiB * 1024 / pageSize; };
         freeCount = pages(*info->memFree);
         activeCount = pages(*info->active);
         inactiveCount = pages(*info->inactive);
-        wireCount = pages(*info->memTotal - *info->memFree - *info->active - *info->inactive);
+        wireCount = pages(*info->memTotal - used);
     } else if (!haveCounts) {
         qCWarning(lcStats, "#### Failed to get VM statistics!!");
     }
@@ -169,13 +176,13 @@ MemoryUsageData StatCore::memoryUsage() const
     // User memory is what may page: everything but the wired part. A failed query
     // leaves the physical figure in place.
     if (info && info->memTotal && haveCounts)
-        memory = (*info->memFree + *info->active + *info->inactive) * 1024;
+        memory = used * 1024;
     else
         qCWarning(lcStats, "#### Getting user memory error!!");
     data.user = memory;
 
-    const quint32 totalPages = freeCount + activeCount + inactiveCount + wireCount;
-    data.totalPages = qint32(totalPages);
+    const quint64 totalPages = freeCount + activeCount + inactiveCount + wireCount;
+    data.totalPages = qint32(std::min<quint64>(totalPages, INT_MAX));
     data.wired = pageSize * wireCount;
     data.active = pageSize * activeCount;
     data.inactive = pageSize * inactiveCount;
