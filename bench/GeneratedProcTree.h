@@ -1,53 +1,116 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDir>
 #include <QFile>
+#include <QList>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <cstdio>
 #include <fcntl.h>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
-// A tree of 1,000 processes with real-looking stat lines, built once per run.
+// A /proc of generated processes with real-looking stat lines. Processes can be made
+// to come and go as on a busy machine: new ones take pids the way the kernel hands
+// them out, counting up and wrapping at pid_max, so dead pids are reused.
 class GeneratedProcTree {
 public:
+    // The shared tree of 1,000 processes that never changes, built once per run.
     static GeneratedProcTree &instance()
     {
-        static GeneratedProcTree tree;
+        static GeneratedProcTree tree(1000);
         return tree;
     }
-    QString root() const { return m_dir.path(); }
 
-private:
-    GeneratedProcTree()
+    explicit GeneratedProcTree(int processes, int pidMax = 32768)
+        : m_dir(memoryBackedTemplate())
+        , m_proc(QFile::encodeName(m_dir.path()) + "/proc")
+        , m_pidMax(pidMax)
     {
-        const QByteArray proc = QFile::encodeName(m_dir.path()) + "/proc";
-        ::mkdir(proc.constData(), 0755);
-        const QByteArray stat = "cpu  31186 17 14108 988118 734 5 364 9 0 0\nbtime 1700000000\n";
-        writeFile(proc + "/stat", stat);
-        writeFile(proc + "/meminfo",
+        ::mkdir(m_proc.constData(), 0755);
+        writeFile(m_proc + "/meminfo",
                   "MemTotal:        8048576 kB\nMemFree:         1200000 kB\nMemAvailable:    5000000 kB\n"
                   "Active:          3000000 kB\nInactive:        2500000 kB\n");
-        for (int pid = 1; pid <= 1000; ++pid) {
-            const QByteArray dir = proc + '/' + QByteArray::number(pid);
-            ::mkdir(dir.constData(), 0755);
-            const QByteArray line = QByteArray::number(pid) + " (worker-" + QByteArray::number(pid)
-                + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 " + QByteArray::number(pid * 37)
-                + " 5435392 710 18446744073709551615 94815633768448 94815634557853 140734943515104 0 0 0 65536 "
-                  "3670016 1132560123 1 0 0 17 1 0 0 0 0 0 94815634791152 94815634839396 94816016547840 "
-                  "140734943517498 140734943517513 140734943517513 140734943518698 0\n";
-            writeFile(dir + "/stat", line);
-        }
+        advanceClock();
+        for (int i = 0; i < processes; ++i)
+            spawn();
     }
+
+    QString root() const { return m_dir.path(); }
+    qsizetype processCount() const { return m_live.size(); }
+
+    // One refresh period: the CPU counters move on and count processes are replaced
+    // by new ones, picked at random.
+    void churn(int count)
+    {
+        advanceClock();
+        for (int i = 0; i < count && !m_live.isEmpty(); ++i) {
+            const qsizetype victim = std::uniform_int_distribution<qsizetype>(0, m_live.size() - 1)(m_random);
+            const int pid = m_live.at(victim);
+            m_live.removeAt(victim);
+            m_used.remove(pid);
+            const QByteArray dir = m_proc + '/' + QByteArray::number(pid);
+            ::unlink((dir + "/stat").constData());
+            ::rmdir(dir.constData());
+        }
+        for (int i = 0; i < count; ++i)
+            spawn();
+    }
+
+private:
+    // In RAM like /proc itself where the system has a tmpfs: a disk file system would
+    // make the churn, not the reader, the cost being measured.
+    static QString memoryBackedTemplate()
+    {
+        const bool shm = ::access("/dev/shm", W_OK) == 0;
+        return (shm ? QStringLiteral("/dev/shm") : QDir::tempPath()) + QStringLiteral("/kovar-proc-XXXXXX");
+    }
+
+    void advanceClock()
+    {
+        m_ticks += 200; // two seconds at 100 Hz, a quarter of them busy
+        writeFile(m_proc + "/stat", "cpu  " + QByteArray::number(m_ticks / 8) + " 0 " + QByteArray::number(m_ticks / 8)
+                                        + ' ' + QByteArray::number(m_ticks * 3 / 4) + " 0 0 0 0 0 0\nbtime 1700000000\n");
+    }
+
+    void spawn()
+    {
+        do {
+            m_nextPid = m_nextPid >= m_pidMax ? 300 : m_nextPid + 1;
+        } while (m_used.contains(m_nextPid));
+        const int pid = m_nextPid;
+        m_used.insert(pid);
+        m_live.append(pid);
+        const QByteArray dir = m_proc + '/' + QByteArray::number(pid);
+        ::mkdir(dir.constData(), 0755);
+        const QByteArray line = QByteArray::number(pid) + " (worker-" + QByteArray::number(++m_serial)
+            + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 " + QByteArray::number(m_ticks)
+            + " 5435392 710 18446744073709551615 94815633768448 94815634557853 140734943515104 0 0 0 65536 "
+              "3670016 1132560123 1 0 0 17 1 0 0 0 0 0 94815634791152 94815634839396 94816016547840 "
+              "140734943517498 140734943517513 140734943517513 140734943518698 0\n";
+        writeFile(dir + "/stat", line);
+    }
+
     static void writeFile(const QByteArray &path, const QByteArray &data)
     {
         const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
         if (fd < 0)
             return;
         if (::write(fd, data.constData(), size_t(data.size())) != data.size())
-            std::fputs("bench_stats: short write while building the tree\n", stderr);
+            std::fputs("GeneratedProcTree: short write while building the tree\n", stderr);
         ::close(fd);
     }
+
     QTemporaryDir m_dir;
+    QByteArray m_proc;
+    int m_pidMax;
+    int m_nextPid = 0;
+    quint64 m_serial = 0;
+    quint64 m_ticks = 0;
+    QList<int> m_live;
+    QSet<int> m_used;
+    std::mt19937 m_random{16};
 };

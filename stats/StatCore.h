@@ -50,6 +50,8 @@ public:
     // Every process, the reverse of the proc directory's order; nullopt when the
     // process table cannot be read or holds no process.
     std::optional<QList<ProcessRecord>> runningProcesses();
+    // Start-time texts kept: one per process of the last scan, none for the dead.
+    qsizetype startTimeCacheSize() const { return m_startTimes.size(); }
 
     // Device, OS and CPU identification: "DeviceInfo", "OSInfo", "CPUInfo".
     InfoDictionary systemInfo() const;

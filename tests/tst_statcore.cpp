@@ -149,7 +149,7 @@ private Q_SLOTS:
         QVERIFY(StatSnapshot::runningProcessesJson(core.runningProcesses()) == table);
     }
 
-    void startTimeFollowsPidReuse()
+    void startTimesFollowPidReuseAndExits()
     {
         QTemporaryDir dir;
         QVERIFY(copy(path(QStringLiteral("proc-x86-laptop")), dir.path()));
@@ -159,6 +159,13 @@ private Q_SLOTS:
         QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/1534/stat")),
                           "1534 (Isolated Web) S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 9000000 0 0\n"));
         QCOMPARE(startOf(core, QStringLiteral("1534")), QStringLiteral("Nov 15, 2023, 11:13:20\u202fPM"));
+        // Two processes exit and one starts: the cache keeps a text for the living only.
+        QVERIFY(QDir(dir.filePath(QStringLiteral("proc/57"))).removeRecursively());
+        QVERIFY(QDir(dir.filePath(QStringLiteral("proc/2201"))).removeRecursively());
+        QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/4242/stat")),
+                          "4242 (kworker/1:2) I 2 0 0 0 -1 69238880 0 0 0 0 0 5 0 0 20 0 1 0 9100000 0 0\n"));
+        QCOMPARE(core.runningProcesses().value_or(QList<ProcessRecord>{}).size(), 7);
+        QCOMPARE(core.startTimeCacheSize(), 7);
     }
 
     void snapshotGathersEveryFigure()
