@@ -95,6 +95,11 @@ private Q_SLOTS:
         QCOMPARE(ResourceImages::pixmap("histogram_glass_effect.png").deviceIndependentSize(), QSizeF(150, 75));
         QCOMPARE(ResourceImages::pixmap("statebar_glass_effect.png").deviceIndependentSize(), QSizeF(295, 27));
         QVERIFY(ResourceImages::pixmap("missing.png").isNull());
+        // Kept decoded at the screens' scale only: a quarter of the pixels on this 1x screen.
+        QCOMPARE(ResourceImages::pixmap("bg.png").size(), QSize(320, 480));
+        ResourceImages::setKeptScale(2.0);
+        QCOMPARE(ResourceImages::pixmap("bg.png").size(), QSize(640, 960));
+        ResourceImages::setKeptScale(0.0);
     }
 };
 

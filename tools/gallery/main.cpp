@@ -10,6 +10,7 @@
 #include "OOPieChartView.h"
 #include "OORectView.h"
 #include "OOStateBarView.h"
+#include "ResourceImages.h"
 #include "WidgetRenderer.h"
 
 #include <QApplication>
@@ -97,6 +98,8 @@ QWidget *blackStage(const QSize &size)
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
+    // The mock-ups are rendered at 2x too, whatever the screen here.
+    ResourceImages::setKeptScale(ResourceImages::PixelRatio);
     const QStringList args = app.arguments();
     if (args.size() != 2) {
         QTextStream(stderr) << "usage: kovar_gallery <output directory>\n";
