@@ -20,7 +20,6 @@ PagingScrollView::PagingScrollView(QWidget *parent)
     setWidget(_contentView);
     // setWidget() makes the content opaque; the pages lie over the root's background.
     _contentView->setAutoFillBackground(false);
-    setStyleSheet(QStringLiteral("QScrollArea { background: transparent; }"));
 
     _scroller = QScroller::scroller(viewport());
     QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture);

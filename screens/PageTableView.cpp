@@ -15,6 +15,5 @@ PageTableView::PageTableView(QAbstractItemModel *model, QAbstractItemDelegate *d
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setAttribute(Qt::WA_TranslucentBackground);
     viewport()->setAutoFillBackground(false);
-    setStyleSheet(QStringLiteral("QListView { background: transparent; }"));
     QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture);
 }

@@ -113,7 +113,6 @@ void iPhoneTotalViewController::viewDidLoad()
     _scrollView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     _scrollView->setAttribute(Qt::WA_TranslucentBackground);
     _scrollView->viewport()->setAutoFillBackground(false);
-    _scrollView->setStyleSheet(QStringLiteral("QScrollArea { background: transparent; }"));
     auto *content = new QWidget;
     content->resize(W, ContentHeight);
     _scrollView->setWidget(content);
