@@ -5,8 +5,8 @@
 #include "StatCore.h"
 
 #include <QDir>
-#include <QRegularExpression>
 
+#include <algorithm>
 #include <cstdio>
 
 #include <sys/utsname.h>
@@ -65,34 +65,46 @@ struct CacheFigures {
     std::uint64_t l3 = 0;
 };
 
-// "32K", "8192K", "1M", or plain bytes.
+bool isAsciiDigits(QStringView text)
+{
+    return !text.isEmpty() && std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+// "32K", "8192K", "1M", or plain bytes. Plain code rather than a regular expression:
+// the pattern engine would be loaded and compiled for these few files alone.
 std::uint64_t parseCacheSize(const QString &text)
 {
-    static const QRegularExpression pattern(QStringLiteral("^\\s*(\\d+)\\s*([KkMmGg]?)\\s*$"));
-    const QRegularExpressionMatch match = pattern.match(text);
-    if (!match.hasMatch())
+    const QString trimmed = text.trimmed();
+    qsizetype digits = 0;
+    while (digits < trimmed.size() && trimmed.at(digits) >= u'0' && trimmed.at(digits) <= u'9')
+        ++digits;
+    bool ok = false;
+    const std::uint64_t value = trimmed.left(digits).toULongLong(&ok);
+    if (!ok)
         return 0;
-    std::uint64_t value = match.captured(1).toULongLong();
-    const QString unit = match.captured(2).toUpper();
+    const QString unit = trimmed.mid(digits).trimmed().toUpper();
+    if (unit.isEmpty())
+        return value;
     if (unit == u"K")
-        value *= 1024;
-    else if (unit == u"M")
-        value *= 1024 * 1024;
-    else if (unit == u"G")
-        value *= 1024 * 1024 * 1024;
-    return value;
+        return value * 1024;
+    if (unit == u"M")
+        return value * 1024 * 1024;
+    if (unit == u"G")
+        return value * 1024 * 1024 * 1024;
+    return 0;
 }
 
 CacheFigures readCacheDirectories(const QString &root)
 {
     CacheFigures figures;
     const QString base = QStringLiteral("sys/devices/system/cpu/cpu0/cache");
-    const QStringList indexes = QDir(QDir(root).filePath(base))
-                                    .entryList({QStringLiteral("index*")}, QDir::Dirs | QDir::NoDotAndDotDot,
-                                               QDir::Name);
+    // Filtered here: a name filter would compile a wildcard pattern for each call.
+    const QStringList entries = QDir(QDir(root).filePath(base)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     std::uint64_t firstLine = 0;
     std::uint64_t dataLine = 0;
-    for (const QString &index : indexes) {
+    for (const QString &index : entries) {
+        if (!index.startsWith(QLatin1String("index")))
+            continue;
         const QString dir = base + u'/' + index + u'/';
         const QString level = SysfsText::firstLine(root, dir + QStringLiteral("level"));
         const QString type = SysfsText::firstLine(root, dir + QStringLiteral("type"));
@@ -185,12 +197,11 @@ QString SystemInfoReader::getSysInfoByName(const QString &name) const
 
 std::uint32_t SystemInfoReader::processorCount() const
 {
-    static const QRegularExpression cpuName(QStringLiteral("^cpu\\d+$"));
     const QStringList entries = QDir(QDir(m_root).filePath(QStringLiteral("sys/devices/system/cpu")))
                                     .entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     std::uint32_t count = 0;
     for (const QString &entry : entries) {
-        if (cpuName.match(entry).hasMatch())
+        if (entry.startsWith(QLatin1String("cpu")) && isAsciiDigits(QStringView(entry).mid(3)))
             ++count;
     }
     if (count > 0)
