@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QImage>
+#include <QImageReader>
 #include <QPixmapCache>
 
 #include <algorithm>
@@ -29,8 +30,12 @@ QPixmap ResourceImages::pixmap(const QString &name)
     if (QPixmapCache::find(key, &pixmap))
         return pixmap;
     // Decoded straight into an image: QPixmap(file) would keep a cached copy of its own,
-    // and setting the pixel ratio on that shared copy would detach a second one.
-    QImage image(QStringLiteral(":/images/") + name);
+    // and setting the pixel ratio on that shared copy would detach a second one. Named
+    // as PNG, without detection, so that Qt's own decoder reads it without loading every
+    // image plugin to ask it first.
+    QImageReader reader(QStringLiteral(":/images/") + name, "png");
+    reader.setAutoDetectImageFormat(false);
+    QImage image = reader.read();
     if (image.isNull())
         return {};
     if (scale < PixelRatio)
