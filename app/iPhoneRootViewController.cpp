@@ -116,7 +116,7 @@ void iPhoneRootViewController::buttonWasTouchUpInside(QAbstractButton *sender)
         return;
     const int page = sender->property("tag").toInt();
     _pageControl->setCurrentPage(page);
-    _mainScrollView->setContentOffset(QPointF(page * _mainScrollView->width(), 0), true);
+    _mainScrollView->scrollToPage(page, true);
 }
 
 void iPhoneRootViewController::scrollViewDidEndDecelerating(PagingScrollView *scrollView)

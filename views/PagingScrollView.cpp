@@ -69,6 +69,11 @@ void PagingScrollView::setContentOffset(const QPointF &offset, bool animated)
     verticalScrollBar()->setValue(int(std::lround(offset.y())));
 }
 
+void PagingScrollView::scrollToPage(int page, bool animated)
+{
+    setContentOffset(QPointF(qreal(page) * width(), 0), animated);
+}
+
 void PagingScrollView::resizeEvent(QResizeEvent *event)
 {
     QScrollArea::resizeEvent(event);

@@ -23,6 +23,8 @@ public:
 
     QPointF contentOffset() const;
     void setContentOffset(const QPointF &offset, bool animated);
+    // Shows that page: the content offset becomes page times the view's width.
+    void scrollToPage(int page, bool animated);
 
 Q_SIGNALS:
     void didEndDecelerating(PagingScrollView *scrollView);
