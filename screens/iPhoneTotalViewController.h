@@ -1,96 +1,23 @@
 #pragma once
 
-#include "CpuUsageData.h"
-#include "DiskUsageData.h"
-#include "MemoryUsageData.h"
+#include "SummaryPanels.h"
 
-#include <QWidget>
-
-class Device;
-class LabelView;
-class OOHistogramView;
-class OOPieChartView;
-class OOStateBarView;
-class OORectView;
 class QScrollArea;
 
-// The "Summary" page: CPU history, memory ring, disk and battery bars, each in a
-// dark rounded panel with colour keys and right-aligned figures.
-class iPhoneTotalViewController : public QWidget {
+// The "Summary" page: the four Summary panels in a column that scrolls vertically
+// under the page's 20-point title band.
+class iPhoneTotalViewController : public SummaryPanels {
     Q_OBJECT
 public:
     explicit iPhoneTotalViewController(QWidget *parent = nullptr);
 
-    // The battery figures come from this device (the process-wide one by default).
-    void setDevice(Device *device);
-
     // Builds the page at the widget's current size, shows the memory and disk figures of
     // the moment and the battery as the device reports it.
     void viewDidLoad();
-
-    void setCpuUsageData(const CpuUsageData &cpuUsageData);
-    void setMemoryUsageData(const MemoryUsageData &memoryUsageData);
-    void setDiskUsageData(const DiskUsageData &diskUsageData);
-    void batteryChanged();
     void setFrameForAd();
 
     QScrollArea *scrollView() const { return _scrollView; }
-    OOHistogramView *cpuHistogramView() const { return _cpuHistogramView; }
-    OOPieChartView *memoryPieChartView() const { return _memoryPieChartView; }
-    OOStateBarView *diskStateBarView() const { return _diskStateBarView; }
-    OOStateBarView *batteryStateBarView() const { return _batteryStateBarView; }
-    OORectView *diskUsedColorRectView() const { return _diskUsedColorRectView; }
-    OORectView *batteryLevelColorRectView() const { return _batteryLevelColorRectView; }
-    OORectView *batteryStateColorRectView() const { return _batteryStateColorRectView; }
-
-    // The figures as shown, for tests and screenshots.
-    QString cpuUserText() const;
-    QString cpuSystemText() const;
-    QString cpuIdleText() const;
-    QString cpuUsageText() const;
-    QString memoryWiredText() const;
-    QString memoryActiveText() const;
-    QString memoryInactiveText() const;
-    QString memoryFreeText() const;
-    QString memoryTotalText() const;
-    QString memoryUserText() const;
-    QString memoryPhysicalText() const;
-    QString diskUsedText() const;
-    QString diskFreeText() const;
-    QString diskTotalSpaceText() const;
-    QString batteryLevelText() const;
-    QString batteryStateText() const;
 
 private:
-    QWidget *addPanel(QWidget *content, int y, int height, const QString &title);
-    void buildCpuPanel(QWidget *content);
-    void buildMemoryPanel(QWidget *content);
-    void buildDiskPanel(QWidget *content);
-    void buildBatteryPanel(QWidget *content);
-
-    Device *_device = nullptr;
     QScrollArea *_scrollView = nullptr;
-    OOHistogramView *_cpuHistogramView = nullptr;
-    OOPieChartView *_memoryPieChartView = nullptr;
-    OOStateBarView *_diskStateBarView = nullptr;
-    OOStateBarView *_batteryStateBarView = nullptr;
-    LabelView *_cpuUser = nullptr;
-    LabelView *_cpuSystem = nullptr;
-    LabelView *_cpuIdle = nullptr;
-    LabelView *_cpuUsage = nullptr;
-    LabelView *_memoryWired = nullptr;
-    LabelView *_memoryActive = nullptr;
-    LabelView *_memoryInactive = nullptr;
-    LabelView *_memoryFree = nullptr;
-    LabelView *_memoryTotal = nullptr;
-    LabelView *_memoryUser = nullptr;
-    LabelView *_memoryPhysical = nullptr;
-    OORectView *_diskUsedColorRectView = nullptr;
-    LabelView *_diskUsed = nullptr;
-    LabelView *_diskFree = nullptr;
-    LabelView *_diskTotalSpace = nullptr;
-    OORectView *_batteryLevelColorRectView = nullptr;
-    OORectView *_batteryStateColorRectView = nullptr;
-    LabelView *_batteryLevel = nullptr;
-    LabelView *_batteryState = nullptr;
 };
