@@ -18,16 +18,34 @@ QColor rgb255(int red, int green, int blue)
 }
 } // namespace
 
-const QRectF InfoCellDelegate::LampFrame(234, 12.5, 15, 15);
 const QColor InfoCellDelegate::LampGreen = rgb255(20, 220, 50);
 const QColor InfoCellDelegate::LampRed = rgb255(220, 0, 20);
 // UIKit's orange: RGB 1.0, 0.5, 0.0.
 const QColor InfoCellDelegate::TitleOrange = QColor::fromRgbF(1.0f, 0.5f, 0.0f);
 
-InfoCellDelegate::InfoCellDelegate(ValueFrame valueFrame, bool showsLamp, QObject *parent)
+namespace {
+// The value label starts leftOfCentre points left of the cell's centre and is half the
+// cell wide plus widthPastHalf.
+InfoCellDelegate::Geometry phoneCell(qreal leftOfCentre, qreal widthPastHalf, const QRectF &lamp = QRectF())
+{
+    constexpr qreal w = 320;
+    constexpr qreal h = InfoTableModel::RowHeight;
+    return {w, QRectF(10, 0, w * 0.5 - 20, h), QRectF(w * 0.5 - leftOfCentre, 0, w * 0.5 + widthPastHalf, h), lamp};
+}
+} // namespace
+
+// System: the value runs 100 points under the caption (50 to 280 against 10 to 150).
+const InfoCellDelegate::Geometry InfoCellDelegate::PhoneSystemCell = phoneCell(110, 70);
+// Network: narrower (70 to 280), leaving room for the lamp left of a short value.
+const InfoCellDelegate::Geometry InfoCellDelegate::PhoneNetworkCell = phoneCell(90, 50, QRectF(234, 12.5, 15, 15));
+const InfoCellDelegate::Geometry InfoCellDelegate::TabletSystemCell = {
+    344, QRectF(10, 0, 162, 40), QRectF(72, 0, 252, 40), QRectF()};
+const InfoCellDelegate::Geometry InfoCellDelegate::TabletNetworkCell = {
+    344, QRectF(10, 0, 162, 40), QRectF(92, 0, 232, 40), QRectF(274, 12.5, 15, 15)};
+
+InfoCellDelegate::InfoCellDelegate(const Geometry &geometry, QObject *parent)
     : QStyledItemDelegate(parent)
-    , _valueFrame(valueFrame)
-    , _showsLamp(showsLamp)
+    , _geometry(geometry)
     , _rowFont(FontTable::font(QStringLiteral("Helvetica-Bold"), 14))
     , _titleFont(FontTable::font(QStringLiteral("Helvetica-Bold"), 15))
 {
@@ -75,28 +93,24 @@ void InfoCellDelegate::paintHeader(QPainter *painter, const QRect &row, const QS
 
 void InfoCellDelegate::paintDataRow(QPainter *painter, const QRect &row, const QModelIndex &index) const
 {
-    const qreal w = CellWidth;
     const QPointF origin = row.topLeft();
     if (index.data(InfoTableModel::RowInSectionRole).toInt() % 2 == 1) {
         QColor stripe(Qt::black);
         stripe.setAlphaF(StripeAlpha);
-        painter->fillRect(QRectF(origin.x(), origin.y(), w, InfoTableModel::RowHeight), stripe);
+        painter->fillRect(QRectF(origin.x(), origin.y(), _geometry.stripeWidth, InfoTableModel::RowHeight), stripe);
     }
 
     painter->setFont(_rowFont);
     painter->setPen(Qt::white);
-    const QRectF captionFrame = QRectF(10, 0, w * 0.5 - 20, InfoTableModel::RowHeight).translated(origin);
+    const QRectF captionFrame = _geometry.caption.translated(origin);
     painter->drawText(captionFrame, int(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine,
                       painter->fontMetrics().elidedText(index.data(InfoTableModel::KeyRole).toString(),
                                                         Qt::ElideRight, int(captionFrame.width())));
 
     const QString value = index.data(InfoTableModel::ValueRole).toString();
-    const QRectF valueFrame = QRectF(w * 0.5 - _valueFrame.leftOfCentre, 0, w * 0.5 + _valueFrame.widthPastHalf,
-                                     InfoTableModel::RowHeight)
-                                  .translated(origin);
-    paintValue(painter, valueFrame, value);
+    paintValue(painter, _geometry.value.translated(origin), value);
 
-    if (!_showsLamp)
+    if (_geometry.lamp.isEmpty())
         return;
     // Exact and case-sensitive: "no" or "YES " light nothing.
     QColor lamp;
@@ -106,7 +120,7 @@ void InfoCellDelegate::paintDataRow(QPainter *painter, const QRect &row, const Q
         lamp = LampRed;
     else
         return;
-    OORectView::paintSwatch(*painter, LampFrame.translated(origin), CircularSwatch, lamp, 1.0f);
+    OORectView::paintSwatch(*painter, _geometry.lamp.translated(origin), CircularSwatch, lamp, 1.0f);
 }
 
 // Right-aligned, wrapped onto at most two lines, centred vertically; what does

@@ -2,36 +2,39 @@
 
 #include <QColor>
 #include <QFont>
+#include <QRectF>
 #include <QStyledItemDelegate>
 
 // Paints the rows of an information table (see InfoTableModel): the 170 x 25
-// header tab, the striped key/value row and, when asked for, the YES/NO lamp.
+// header tab, the striped key/value row and, where the geometry has one, the YES/NO lamp.
 // Nothing is kept per row, so a row scrolled into view shows only its own state.
 class InfoCellDelegate : public QStyledItemDelegate {
     Q_OBJECT
 public:
-    // A freshly made table cell is 320 points wide whatever the table's width, and
-    // the row's label frames are laid out from that width.
-    static constexpr int CellWidth = 320;
     static constexpr qreal StripeAlpha = 0.3;
     static constexpr int TabWidth = 170;
     static constexpr qreal TabAlpha = 0.5;
     static constexpr int TabRadius = 5;
-    static const QRectF LampFrame;
     static const QColor LampGreen;
     static const QColor LampRed;
     static const QColor TitleOrange;
 
-    struct ValueFrame {
-        int leftOfCentre;    // the value label starts this far left of the cell's centre
-        int widthPastHalf;   // and is half the cell wide plus this
+    // Where a data row's parts stand, in the row's coordinates.
+    struct Geometry {
+        qreal stripeWidth;   // the dark stripe of odd rows: this wide whatever the table's width
+        QRectF caption;
+        QRectF value;        // may run under the caption: a long value wraps right-aligned
+        QRectF lamp;         // empty: no YES/NO lamp
     };
-    // The System page's value label: (W/2 - 110, W/2 + 70); it runs 100 points under the caption.
-    static constexpr ValueFrame SystemValueFrame{110, 70};
-    // The Network page's, narrower, leaving room for the lamp: (W/2 - 90, W/2 + 50).
-    static constexpr ValueFrame NetworkValueFrame{90, 50};
+    // The phone's cells are laid out from the 320-point width a fresh table cell has,
+    // whatever the table's own width.
+    static const Geometry PhoneSystemCell;
+    static const Geometry PhoneNetworkCell;
+    // The tablet's fixed 344-point cells.
+    static const Geometry TabletSystemCell;
+    static const Geometry TabletNetworkCell;
 
-    InfoCellDelegate(ValueFrame valueFrame, bool showsLamp, QObject *parent = nullptr);
+    explicit InfoCellDelegate(const Geometry &geometry, QObject *parent = nullptr);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
@@ -41,8 +44,7 @@ private:
     void paintDataRow(QPainter *painter, const QRect &row, const QModelIndex &index) const;
     void paintValue(QPainter *painter, const QRectF &frame, const QString &value) const;
 
-    ValueFrame _valueFrame;
-    bool _showsLamp;
+    Geometry _geometry;
     QFont _rowFont;
     QFont _titleFont;
 };

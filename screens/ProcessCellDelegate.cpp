@@ -6,11 +6,6 @@
 #include <QPainter>
 
 namespace {
-// The cell's label frames, relative to the row's top-left corner.
-const QRect PidFrame(5, 0, 50, 40);
-const QRect NameFrame(60, 0, 180, 20);
-const QRect StartTimeFrame(60, 20, 180, 20);
-const QRect PriorityFrame(240, 0, 50, 40);
 const QColor DarkGray = QColor::fromRgbF(1.0f / 3, 1.0f / 3, 1.0f / 3);
 
 void drawLabel(QPainter *painter, const QRect &frame, const QString &text, const QColor &color,
@@ -22,8 +17,14 @@ void drawLabel(QPainter *painter, const QRect &frame, const QString &text, const
 }
 } // namespace
 
-ProcessCellDelegate::ProcessCellDelegate(QObject *parent)
+const ProcessCellDelegate::Geometry ProcessCellDelegate::PhoneCell = {
+    0, QRect(5, 0, 50, 40), QRect(60, 0, 180, 20), QRect(60, 20, 180, 20), QRect(240, 0, 50, 40)};
+const ProcessCellDelegate::Geometry ProcessCellDelegate::TabletCell = {
+    344, QRect(5, 0, 55, 40), QRect(60, 0, 220, 20), QRect(60, 20, 220, 20), QRect(280, 0, 64, 40)};
+
+ProcessCellDelegate::ProcessCellDelegate(const Geometry &geometry, QObject *parent)
     : QStyledItemDelegate(parent)
+    , _geometry(geometry)
     , _font(FontTable::font(QStringLiteral("Helvetica-Bold"), 14))
 {
 }
@@ -36,17 +37,18 @@ void ProcessCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
     if (index.row() % 2 == 1) {
         QColor stripe(Qt::black);
         stripe.setAlphaF(StripeAlpha);
-        painter->fillRect(QRect(row.left(), row.top(), row.width(), RowHeight), stripe);
+        const int stripeWidth = _geometry.stripeWidth > 0 ? _geometry.stripeWidth : row.width();
+        painter->fillRect(QRect(row.left(), row.top(), stripeWidth, RowHeight), stripe);
     }
     painter->setFont(_font);
     const QPoint origin = row.topLeft();
-    drawLabel(painter, PidFrame.translated(origin), index.data(ProcessTableModel::PidRole).toString(),
+    drawLabel(painter, _geometry.pid.translated(origin), index.data(ProcessTableModel::PidRole).toString(),
               Qt::white, Qt::AlignLeft);
-    drawLabel(painter, NameFrame.translated(origin), index.data(ProcessTableModel::ProcessNameRole).toString(),
+    drawLabel(painter, _geometry.name.translated(origin), index.data(ProcessTableModel::ProcessNameRole).toString(),
               Qt::white, Qt::AlignLeft);
-    drawLabel(painter, StartTimeFrame.translated(origin),
+    drawLabel(painter, _geometry.startTime.translated(origin),
               index.data(ProcessTableModel::StartTimeRole).toString(), DarkGray, Qt::AlignLeft);
-    drawLabel(painter, PriorityFrame.translated(origin), index.data(ProcessTableModel::PriorityRole).toString(),
+    drawLabel(painter, _geometry.priority.translated(origin), index.data(ProcessTableModel::PriorityRole).toString(),
               Qt::white, Qt::AlignHCenter);
     painter->restore();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFont>
+#include <QRect>
 #include <QStyledItemDelegate>
 
 // Paints one 40-point process row: a black stripe at 0.3 alpha on odd rows, the pid
@@ -12,11 +13,24 @@ public:
     static constexpr int RowHeight = 40;
     static constexpr qreal StripeAlpha = 0.3;
 
-    explicit ProcessCellDelegate(QObject *parent = nullptr);
+    // Where a row's labels stand, in the row's coordinates.
+    struct Geometry {
+        int stripeWidth;     // 0: as wide as the row
+        QRect pid;
+        QRect name;
+        QRect startTime;
+        QRect priority;
+    };
+    static const Geometry PhoneCell;
+    // The tablet's rows are 344 points wide whatever the table's width.
+    static const Geometry TabletCell;
+
+    explicit ProcessCellDelegate(const Geometry &geometry, QObject *parent = nullptr);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
 private:
+    Geometry _geometry;
     QFont _font;
 };

@@ -1,40 +1,13 @@
 #pragma once
 
-#include "InfoDictionary.h"
-#include "InfoPage.h"
+#include "NetworkPage.h"
 
-#include <functional>
-#include <optional>
-
-class InfoCellDelegate;
-class InfoTableModel;
-
-// The "Network" page: general facts without a header, then Wi-Fi and cellular
-// sections; YES/NO facts get a green or red lamp. Filled anew each time the
-// application becomes active, and at no other time.
-class iPhoneNetworkViewController : public InfoPage {
+// The phone's "Network" page: the network list under the 20-point title band.
+class iPhoneNetworkViewController : public NetworkPage {
     Q_OBJECT
 public:
-    using NetworkInfoSource = std::function<std::optional<InfoDictionary>()>;
-
     explicit iPhoneNetworkViewController(QWidget *parent = nullptr);
 
-    // Builds the page without data and starts listening for activation.
-    void viewDidLoad() override;
-    // Where reloadNetworkData gets its record; the shared StatCore unless replaced.
-    void setNetworkInfoSource(NetworkInfoSource source);
-
-    const std::optional<InfoDictionary> &tableData() const;
-    InfoTableModel *tableModel() const { return _tableModel; }
-
-public Q_SLOTS:
-    // Reads the network record and shows it; nullopt empties the list.
-    void reloadNetworkData();
-
-private:
-    void applicationStateChanged(Qt::ApplicationState state);
-
-    InfoTableModel *_tableModel = nullptr;
-    InfoCellDelegate *_cellDelegate = nullptr;
-    NetworkInfoSource _source;
+    // Lays the page out again after it has been made shorter for a banner.
+    void setFrameForAd();
 };

@@ -1,28 +1,13 @@
 #pragma once
 
-#include "InfoDictionary.h"
-#include "InfoPage.h"
+#include "SystemPage.h"
 
-#include <optional>
-
-class InfoCellDelegate;
-class InfoTableModel;
-
-// The "System" page: device, OS and CPU identification in three sections, read
-// once when the page is built; the refresh timer never reaches it.
-class iPhoneSystemViewController : public InfoPage {
+// The phone's "System" page: the system list under the 20-point title band.
+class iPhoneSystemViewController : public SystemPage {
     Q_OBJECT
 public:
     explicit iPhoneSystemViewController(QWidget *parent = nullptr);
 
-    void viewDidLoad() override;
-    // Ignores nullopt (the page keeps what it shows); otherwise shows the record.
-    void setInfoData(const std::optional<InfoDictionary> &infoData);
-
-    const std::optional<InfoDictionary> &tableData() const;
-    InfoTableModel *tableModel() const { return _tableModel; }
-
-private:
-    InfoTableModel *_tableModel = nullptr;
-    InfoCellDelegate *_cellDelegate = nullptr;
+    // Lays the page out again after it has been made shorter for a banner.
+    void setFrameForAd();
 };
