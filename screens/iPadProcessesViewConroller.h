@@ -1,0 +1,18 @@
+#pragma once
+
+#include "InterfaceOrientation.h"
+#include "ProcessesPage.h"
+
+// The tablet's processes panel, in the summary panel's lower left: the process list
+// with fixed 344-point rows and a centred "Priority" header. It shows no CPU usage: the
+// summary panel beside it does.
+class iPadProcessesViewConroller : public ProcessesPage {
+    Q_OBJECT
+public:
+    explicit iPadProcessesViewConroller(QWidget *parent = nullptr);
+
+    // Takes that frame in the parent and builds the panel in it.
+    void initWithFrame(const QRect &frame);
+
+    bool shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const;
+};

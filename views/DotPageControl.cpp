@@ -1,0 +1,42 @@
+#include "DotPageControl.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+const QColor DotPageControl::CurrentDotColor = Qt::white;
+const QColor DotPageControl::OtherDotColor = QColor(255, 255, 255, 77);
+
+DotPageControl::DotPageControl(const QRect &frame, int numberOfPages, QWidget *parent)
+    : QWidget(parent)
+    , m_numberOfPages(std::max(0, numberOfPages))
+{
+    setGeometry(frame);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void DotPageControl::setCurrentPage(int page)
+{
+    if (page < 0 || page >= m_numberOfPages || page == m_currentPage)
+        return;
+    m_currentPage = page;
+    update();
+}
+
+QRectF DotPageControl::dotRect(int page) const
+{
+    const qreal rowWidth = m_numberOfPages * DotDiameter + std::max(0, m_numberOfPages - 1) * DotSpacing;
+    const qreal left = (width() - rowWidth) / 2.0 + page * (DotDiameter + DotSpacing);
+    return QRectF(left, (height() - DotDiameter) / 2.0, DotDiameter, DotDiameter);
+}
+
+void DotPageControl::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int page = 0; page < m_numberOfPages; ++page) {
+        painter.setBrush(page == m_currentPage ? CurrentDotColor : OtherDotColor);
+        painter.drawEllipse(dotRect(page));
+    }
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+
+// The plain page indicator: one small dot per page, centred in a row, the current
+// page's dot white and the others faint. It only shows the page set from outside
+// and takes no input, so what lies under it still does.
+class DotPageControl : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr qreal DotDiameter = 7.0;
+    static constexpr qreal DotSpacing = 9.0;       // between two dots' edges
+    static const QColor CurrentDotColor;
+    static const QColor OtherDotColor;
+
+    DotPageControl(const QRect &frame, int numberOfPages, QWidget *parent = nullptr);
+
+    int numberOfPages() const { return m_numberOfPages; }
+    int currentPage() const { return m_currentPage; }
+    // A page out of range is ignored.
+    void setCurrentPage(int page);
+
+    QRectF dotRect(int page) const;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    int m_numberOfPages;
+    int m_currentPage = 0;
+};
