@@ -24,6 +24,7 @@ bool MonitorAppDelegate_iPad::application(QGuiApplication *application,
     if (!m_rootViewController) {
         m_rootViewController = new iPadRootViewController;
         installRootView(m_rootViewController);
+        m_rootViewController->viewDidLoad();
     }
     return true;
 }
