@@ -12,12 +12,23 @@ public:
 
     static constexpr int statusBarHeight = 20;
     static constexpr int tabletMinimumSide = 768;
+    static constexpr QSize phoneWindow{320, 480};
+    static constexpr QSize tabletWindow{768, 1024};
+    // What a window manager adds around a window, at most: a title bar (client-side header
+    // bars run to about 50 pixels) and borders. The real figure is only known once a window
+    // is on screen, too late to choose its layout.
+    static constexpr QSize windowFrame{16, 64};
 
-    // --idiom wins; otherwise a screen whose smaller side is under 768 is a phone.
+    // --idiom wins. Otherwise the tablet where the tablet window fits: on a handheld's own
+    // screen whose smaller side is 768 or more, or on a desktop whose available area holds
+    // the whole 768 x 1024 window with its frame. The phone everywhere else.
     static Kind choose(LaunchOptions::Idiom requested, QSize availableScreen);
 
     // The window stands for the whole device screen, status bar included: 320 x 480 on a
-    // phone, 768 x 1024 on a tablet. A portrait screen is taken to be a handheld's own,
-    // and then the window is the screen's available size instead.
+    // phone, 768 x 1024 on a tablet. On a handheld (a portrait screen) whose screen suits
+    // the layout, the window is the screen's available size instead.
     static QSize windowSize(Kind kind, QSize availableScreen);
+
+    // A portrait screen is taken to be a handheld's own.
+    static bool isHandheld(QSize availableScreen);
 };
