@@ -63,6 +63,3 @@ private:
     PanelView *_panelBackground = nullptr;
     QListView *_tableView = nullptr;
 };
-
-// The old name of this class, until the tests move to the new one.
-using InfoPage = ListPage;

@@ -197,8 +197,8 @@ private Q_SLOTS:
         shown = record({"CommonInfo", "WifiInfo", "CellInfo"}, {2, 1, 1});
         network.reloadNetworkData();
         // Each section: its tab (none without a title), its rows, a gap (none after the last).
-        for (auto [page, expected] : {std::pair<InfoPage *, QString>{&system, "25 40 40 15 25 40 15 25 0"},
-                                      std::pair<InfoPage *, QString>{&network, "0 40 40 15 25 40 15 25 40 0"}}) {
+        for (auto [page, expected] : {std::pair<ListPage *, QString>{&system, "25 40 40 15 25 40 15 25 0"},
+                                      std::pair<ListPage *, QString>{&network, "0 40 40 15 25 40 15 25 40 0"}}) {
             QStringList heights;
             for (int row = 0; row < page->tableView()->model()->rowCount(); ++row)
                 heights << QString::number(page->tableView()->visualRect(page->tableView()->model()->index(row, 0)).height());
