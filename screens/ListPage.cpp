@@ -33,6 +33,12 @@ void ListPage::viewDidLoad()
     title->setShadow(Qt::black, QPointF(2, 2));
 }
 
+void ListPage::initWithFrame(const QRect &frame)
+{
+    setGeometry(frame);
+    viewDidLoad();
+}
+
 void ListPage::layoutForSize()
 {
     if (!_baseView)

@@ -36,6 +36,9 @@ public:
 
     // Builds the frame at the widget's current size.
     virtual void viewDidLoad();
+    // Takes that frame in the parent and builds the page in it (the tablet's panels are
+    // made this way; the phone's pager sizes its pages before it builds them).
+    void initWithFrame(const QRect &frame);
 
     QWidget *baseView() const { return _baseView; }
     QWidget *panelBackground() const;

@@ -14,12 +14,6 @@ iPadNetworkViewController::iPadNetworkViewController(QWidget *parent)
 {
 }
 
-void iPadNetworkViewController::initWithFrame(const QRect &frame)
-{
-    setGeometry(frame);
-    viewDidLoad();
-}
-
 bool iPadNetworkViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation) const
 {
     return true;

@@ -19,12 +19,6 @@ iPadProcessesViewConroller::iPadProcessesViewConroller(QWidget *parent)
 {
 }
 
-void iPadProcessesViewConroller::initWithFrame(const QRect &frame)
-{
-    setGeometry(frame);
-    viewDidLoad();
-}
-
 bool iPadProcessesViewConroller::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const
 {
     return orientation == InterfaceOrientation::Portrait;

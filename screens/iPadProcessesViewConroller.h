@@ -11,8 +11,5 @@ class iPadProcessesViewConroller : public ProcessesPage {
 public:
     explicit iPadProcessesViewConroller(QWidget *parent = nullptr);
 
-    // Takes that frame in the parent and builds the panel in it.
-    void initWithFrame(const QRect &frame);
-
     bool shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const;
 };

@@ -5,12 +5,6 @@ iPadSystemViewController::iPadSystemViewController(QWidget *parent)
 {
 }
 
-void iPadSystemViewController::initWithFrame(const QRect &frame)
-{
-    setGeometry(frame);
-    viewDidLoad();
-}
-
 bool iPadSystemViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation) const
 {
     return true;

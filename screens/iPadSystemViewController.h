@@ -10,9 +10,6 @@ class iPadSystemViewController : public SystemPage {
 public:
     explicit iPadSystemViewController(QWidget *parent = nullptr);
 
-    // Takes that frame in the parent and builds the panel in it.
-    void initWithFrame(const QRect &frame);
-
     // Any: the panel has nothing that depends on how the tablet is held.
     bool shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const;
 };
