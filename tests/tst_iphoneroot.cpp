@@ -1,7 +1,17 @@
 #include "ADControl.h"
+#include "ADControlForiPad.h"
+#include "DotPageControl.h"
 #include "FixtureTree.h"
+#include "LabelView.h"
+#include "OOHistogramView.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
+#include "RenderProbe.h"
+#include "iPadNetworkViewController.h"
+#include "iPadProcessesViewConroller.h"
+#include "iPadRootViewController.h"
+#include "iPadSystemViewController.h"
+#include "iPadTotalViewController.h"
 #include "iPhoneNetworkViewController.h"
 #include "iPhoneProcessesViewController.h"
 #include "iPhoneRootViewController.h"
@@ -11,11 +21,39 @@
 #include <QtTest>
 #include <QtWidgets>
 
+namespace {
+
+QString text(const QRect &r)
+{
+    return QStringLiteral("%1 %2 %3 %4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+}
+
+} // namespace
+
+// The phone's root screen, and the tablet's.
 class TestIPhoneRoot : public QObject {
     Q_OBJECT
 
     iPhoneRootViewController root;
     PagingScrollView *pager = nullptr;
+    iPadRootViewController tablet;
+
+    // The tablet's parts by name, each to be found in its own parent.
+    QMap<QString, QWidget *> tabletParts()
+    {
+        iPadTotalViewController *summary = tablet.totalViewController();
+        return {{"title", tablet.titleLabel()}, {"summary", summary}, {"footer", tablet.footerLabel()},
+                {"processes", summary->processesViewController()}, {"dots", summary->pageControl()},
+                {"pager", summary->pager()}, {"system", summary->systemViewController()},
+                {"network", summary->networkViewController()}};
+    }
+    QStringList tabletGeometries()
+    {
+        QStringList frames;
+        for (QWidget *part : tabletParts())
+            frames << text(part->geometry());
+        return frames;
+    }
 
     // Where the pager is headed: its resting place once an animated scroll ends.
     qreal headingTo() const { return QScroller::scroller(pager->viewport())->finalPosition().x(); }
@@ -39,6 +77,12 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&root));
         pager = root.mainScrollView();
         QCOMPARE(marked(), QStringLiteral("0"));
+
+        tablet.resize(768, 1004);
+        tablet.viewDidLoad();
+        tablet.totalViewController()->networkViewController()->setNetworkInfoSource([] { return std::nullopt; });
+        tablet.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&tablet));
     }
 
     void pagesSideBySide()
@@ -70,20 +114,52 @@ private Q_SLOTS:
 
     void swipeEndSetsPage_data()
     {
+        QTest::addColumn<bool>("onTablet");
         QTest::addColumn<int>("offset");
-        QTest::addColumn<QString>("page");
-        QTest::newRow("rest at 640") << 640 << "2";
-        QTest::newRow("rest at the last page") << 960 << "3";
-        QTest::newRow("between pages truncates down") << 639 << "1";
+        QTest::addColumn<int>("page");
+        QTest::newRow("rest at 640") << false << 640 << 2;
+        QTest::newRow("rest at the last page") << false << 960 << 3;
+        QTest::newRow("between pages truncates down") << false << 639 << 1;
+        QTest::newRow("tablet: a page is half the summary panel") << true << 384 << 1;
+        QTest::newRow("tablet: just short of the second page") << true << 383 << 0;
     }
     void swipeEndSetsPage()
     {
+        QFETCH(bool, onTablet);
         QFETCH(int, offset);
-        QFETCH(QString, page);
+        QFETCH(int, page);
+        if (onTablet) {
+            iPadTotalViewController *summary = tablet.totalViewController();
+            summary->pageControl()->setCurrentPage(1 - page);
+            summary->pager()->setContentOffset(QPointF(offset, 0), false);
+            summary->scrollViewDidEndDecelerating(summary->pager());
+            QCOMPARE(summary->pageControl()->currentPage(), page);
+            return;
+        }
         root.pageControl()->setCurrentPage(-1);
         pager->setContentOffset(QPointF(offset, 0), false);
         root.scrollViewDidEndDecelerating(pager);
-        QCOMPARE(marked(), page);
+        QCOMPARE(marked(), QString::number(page));
+    }
+
+    void tabletSwipeTurnsPage()
+    {
+        iPadTotalViewController *summary = tablet.totalViewController();
+        summary->pager()->setContentOffset(QPointF(0, 0), false);
+        summary->pageControl()->setCurrentPage(0);
+        // A sideways wheel gesture over the pager moves it one page and ends like a swipe.
+        QWheelEvent wheel(QPointF(100, 100), QPointF(100, 100), QPoint(), QPoint(-120, 0), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(summary->pager()->viewport(), &wheel);
+        QTRY_COMPARE_WITH_TIMEOUT(summary->pageControl()->currentPage(), 1, 3000);
+        QCOMPARE(summary->pager()->contentOffset().x(), 384.0);
+        // The second dot is the bright one.
+        DotPageControl *dots = summary->pageControl();
+        QImage image(dots->size(), QImage::Format_ARGB32);
+        image.fill(Qt::black);
+        dots->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        const auto dot = [&](int page) { return RenderProbe::at(image, dots->dotRect(page).center().x(), dots->dotRect(page).center().y()); };
+        QVERIFY(RenderProbe::near(dot(1), Qt::white, 16) && !RenderProbe::near(dot(0), Qt::white, 60));
     }
 
     void wheelTurnsPage()
@@ -113,6 +189,78 @@ private Q_SLOTS:
         iPhoneProcessesViewController *processes = root.processesViewController();
         QCOMPARE(processes->cpuUsageText(), QStringLiteral("CPU Usage:") + root.totalViewController()->cpuUsageText());
         QVERIFY(!processes->tableData().isEmpty());
+    }
+
+    void tabletFrames_data() { FixtureTree::addRows("app-tables/tablet-frames.tsv", {"part", "frame"}); }
+    void tabletFrames()
+    {
+        QFETCH(QString, part);
+        QFETCH(QString, frame);
+        QCOMPARE(text(tabletParts().value(part)->geometry()), frame);
+    }
+
+    void tabletTick()
+    {
+        iPadTotalViewController *summary = tablet.totalViewController();
+        QTimer *timer = tablet.systemStateGetTimer();
+        QVERIFY(timer->isActive() && !timer->isSingleShot());
+        QCOMPARE(timer->interval(), 2000);
+        QCOMPARE(summary->cpuUsageText(), QStringLiteral("0.0%")); // the CPU figures wait for the first tick
+        summary->setMemoryUsageData(MemoryUsageData{});
+        summary->processesViewController()->setProcData(QList<ProcessRecord>{});
+        const QString noMemory = summary->memoryTotalText();
+        const qsizetype before = summary->cpuHistogramView()->itemData().size();
+        const auto samples = [=] { return summary->cpuHistogramView()->itemData().size() - before; };
+        // Each time the process list arrives: the CPU samples taken so far, and whether memory came.
+        QStringList seen;
+        QObject tick;
+        const auto arrived = [&] { seen << QStringLiteral("%1 %2").arg(samples()).arg(summary->memoryTotalText() != noMemory); };
+        QAbstractItemModel *list = summary->processesViewController()->tableView()->model();
+        connect(list, &QAbstractItemModel::rowsInserted, &tick, arrived);
+        connect(list, &QAbstractItemModel::dataChanged, &tick, arrived);
+        connect(timer, &QTimer::timeout, &tick, [timer] { timer->stop(); }); // one tick only
+        timer->start(1);
+        QTRY_VERIFY_WITH_TIMEOUT(!timer->isActive(), 3000);
+        QCOMPARE(seen.join(u'|'), QStringLiteral("1 1"));
+        QCOMPARE(samples(), 1);
+    }
+
+    void tabletBannerMovesNothing()
+    {
+        ADControlForiPad *banners = ADControlForiPad::defaultsADForiPad();
+        QCOMPARE(banners->viewController(), &tablet);
+        QCOMPARE(banners->yPoint(), 914.0f); // the banner slot is the footer band
+        const QStringList before = tabletGeometries();
+        QSignalSpy posted(ADControl::defaultsAD(), &ADControl::ReceiveAd);
+        banners->adViewDidReceiveAd(banners->adMobBanner());
+        QCoreApplication::processEvents();
+        QCOMPARE(posted.count(), 0);
+        QCOMPARE(tabletGeometries(), before);
+    }
+
+    void tabletOrientations_data()
+    {
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<QString>("turns"); // root, summary, processes, system, network
+        QTest::newRow("upright") << 1 << "11111";
+        QTest::newRow("upside down: only the system and network panels") << 2 << "00011";
+        QTest::newRow("landscape right") << 3 << "00011";
+        QTest::newRow("landscape left") << 4 << "00011";
+    }
+    void tabletOrientations()
+    {
+        QFETCH(int, orientation);
+        QFETCH(QString, turns);
+        const auto o = InterfaceOrientation(orientation);
+        iPadTotalViewController *summary = tablet.totalViewController();
+        const bool answers[] = {tablet.shouldAutorotateToInterfaceOrientation(o), summary->shouldAutorotateToInterfaceOrientation(o),
+                                summary->processesViewController()->shouldAutorotateToInterfaceOrientation(o),
+                                summary->systemViewController()->shouldAutorotateToInterfaceOrientation(o),
+                                summary->networkViewController()->shouldAutorotateToInterfaceOrientation(o)};
+        QString seen;
+        for (bool answer : answers)
+            seen += answer ? u'1' : u'0';
+        QCOMPARE(seen, turns);
     }
 
     void bannerMakesRoomOnce()

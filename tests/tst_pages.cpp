@@ -6,6 +6,11 @@
 #include "ProcessTableModel.h"
 #include "RenderProbe.h"
 #include "SummaryColors.h"
+#include "LabelView.h"
+#include "iPadNetworkViewController.h"
+#include "iPadProcessesViewConroller.h"
+#include "iPadSystemViewController.h"
+#include "iPadTotalViewController.h"
 #include "iPhoneNetworkViewController.h"
 #include "iPhoneProcessesViewController.h"
 #include "iPhoneSystemViewController.h"
@@ -31,6 +36,19 @@ QList<ProcessRecord> records(int count, const QString &name = QStringLiteral("pr
     return list;
 }
 
+QString text(const QRect &r)
+{
+    return QStringLiteral("%1 %2 %3 %4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+}
+
+LabelView *label(const ListPage &page, const QString &text)
+{
+    for (LabelView *label : page.baseView()->findChildren<LabelView *>())
+        if (label->text() == text)
+            return label;
+    return nullptr;
+}
+
 // Sections of the given names with that many rows each.
 InfoDictionary record(const QStringList &names, const QList<int> &counts)
 {
@@ -45,8 +63,9 @@ InfoDictionary record(const QStringList &names, const QList<int> &counts)
 }
 
 // The colour of the page, over grey, at a point of a row of its table, in the row's own coordinates.
-QColor at(QWidget &page, QListView *view, int row, QPointF inRow)
+QColor at(ListPage &page, int row, QPointF inRow)
 {
+    QListView *view = page.tableView();
     QImage image(page.size(), QImage::Format_ARGB32);
     image.fill(QColor(128, 128, 128));
     page.render(&image);
@@ -56,7 +75,8 @@ QColor at(QWidget &page, QListView *view, int row, QPointF inRow)
 
 } // namespace
 
-// The four pages of the phone screen, each built once at the phone's size.
+// The four pages of the phone screen, each built once at the phone's size, and the tablet's
+// summary and list panels.
 class TestPages : public QObject {
     Q_OBJECT
 
@@ -66,6 +86,11 @@ class TestPages : public QObject {
     iPhoneProcessesViewController processes;
     iPhoneSystemViewController system;
     iPhoneNetworkViewController network;
+    iPadTotalViewController tabletSummary;
+    // Taller and wider than the summary panel makes them.
+    iPadProcessesViewConroller tabletProcesses;
+    iPadSystemViewController tabletSystem;
+    iPadNetworkViewController tabletNetwork;
     std::optional<InfoDictionary> shown; // what the network page reads
     int asked = 0;
 
@@ -81,6 +106,14 @@ private Q_SLOTS:
         });
         const auto build = [](auto &page) { page.resize(320, 460); page.viewDidLoad(); };
         build(summary), build(processes), build(system), build(network);
+        tabletSummary.setDevice(&device);
+        tabletSummary.initWithFrame(QRect(0, 20, 768, 894));
+        tabletSummary.networkViewController()->setNetworkInfoSource([] { return std::nullopt; });
+        tabletNetwork.setNetworkInfoSource([this] { return shown; });
+        for (ListPage *panel : std::initializer_list<ListPage *>{&tabletProcesses, &tabletSystem, &tabletNetwork})
+            panel->initWithFrame(QRect(0, 0, 500, 600));
+        // The battery as the device reports it (none yet), not the placeholder it is built with.
+        QCOMPARE(tabletSummary.batteryLevelText(), QStringLiteral("Unknown"));
         // At once: memory and disk (never refreshed after) and the process list; the network
         // page reads nothing until the application becomes active.
         QVERIFY(summary.memoryTotalText() != QStringLiteral("0MB") && summary.diskTotalSpaceText() != QStringLiteral("0.00GB"));
@@ -96,9 +129,11 @@ private Q_SLOTS:
         QFETCH(QString, usage);
         QFETCH(QString, texts);
         const QStringList t = ticks.split(u' ');
-        summary.setCpuUsageData(CpuUsageData{t[0].toUInt(), t[1].toUInt(), t[2].toUInt(), usage.toDouble()});
-        const QStringList shown{summary.cpuUserText(), summary.cpuSystemText(), summary.cpuIdleText(), summary.cpuUsageText()};
-        QCOMPARE(shown.join(u'|'), texts);
+        for (SummaryPanels *page : std::initializer_list<SummaryPanels *>{&summary, &tabletSummary}) {
+            page->setCpuUsageData(CpuUsageData{t[0].toUInt(), t[1].toUInt(), t[2].toUInt(), usage.toDouble()});
+            const QStringList shown{page->cpuUserText(), page->cpuSystemText(), page->cpuIdleText(), page->cpuUsageText()};
+            QCOMPARE(shown.join(u'|'), texts);
+        }
     }
 
     void summaryTexts()
@@ -149,6 +184,8 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(summary.batteryLevelText() + u'|' + summary.batteryStateText(), texts, 5000);
         QTRY_COMPARE_WITH_TIMEOUT(summary.batteryLevelColorRectView()->rectColor(), colour(level), 5000);
         QCOMPARE(summary.batteryStateColorRectView()->rectColor(), colour(state));
+        QCOMPARE(tabletSummary.batteryLevelText() + u'|' + tabletSummary.batteryStateText(), texts);
+        QCOMPARE(tabletSummary.batteryStateColorRectView()->rectColor(), colour(state));
         const QList<StateBarItem> items = summary.batteryStateBarView()->itemData();
         QCOMPARE(items.size(), 2);
         QCOMPARE(items[0].value(), bar.toDouble());
@@ -184,7 +221,7 @@ private Q_SLOTS:
 
         // Odd rows are striped, and the stripe moves with its row when the table scrolls.
         processes.setProcData(records(40));
-        const auto lightness = [this](int row) { return at(processes, processes.tableView(), row, QPointF(286, 3)).lightness(); };
+        const auto lightness = [this](int row) { return at(processes, row, QPointF(286, 3)).lightness(); };
         QVERIFY(lightness(1) < lightness(0));
         QCOMPARE(lightness(2), lightness(0));
         processes.tableView()->verticalScrollBar()->setValue(40);
@@ -213,14 +250,59 @@ private Q_SLOTS:
         QFETCH(QString, lamp);
         shown = InfoDictionary();
         shown->addSection(QStringLiteral("CommonInfo"), {{QStringLiteral("Available"), value}, {QStringLiteral("Host"), {}}});
-        network.reloadNetworkData();
-        const int first = network.tableModel()->dataRow(0, 0);
-        const QColor seen = at(network, network.tableView(), first, QPointF(241.5, 20)); // the lamp's centre
-        const bool green = RenderProbe::near(seen, QColor(20, 220, 50), 30);
-        QCOMPARE(QString(green ? "green" : RenderProbe::near(seen, QColor(220, 0, 20), 30) ? "red" : "none"), lamp);
+        for (auto [page, centre] : {std::pair<NetworkPage *, qreal>{&network, 241.5}, {&tabletNetwork, 281.5}}) {
+            page->reloadNetworkData();
+            const QColor seen = at(*page, page->tableModel()->dataRow(0, 0), QPointF(centre, 20)); // the lamp's centre
+            const bool green = RenderProbe::near(seen, QColor(20, 220, 50), 30);
+            QCOMPARE(QString(green ? "green" : RenderProbe::near(seen, QColor(220, 0, 20), 30) ? "red" : "none"), lamp);
+        }
         // The second row of a section is the striped one, whatever comes before the section.
-        QVERIFY(at(network, network.tableView(), first + 1, QPointF(285, 3)).lightness()
-                < at(network, network.tableView(), first, QPointF(285, 3)).lightness());
+        const int first = network.tableModel()->dataRow(0, 0);
+        QVERIFY(at(network, first + 1, QPointF(285, 3)).lightness() < at(network, first, QPointF(285, 3)).lightness());
+    }
+
+    void listFrames_data()
+    {
+        FixtureTree::addRows("app-tables/list-frames.tsv", {"page", "frames", "titleSize", "priority"});
+    }
+    void listFrames()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, frames);
+        QFETCH(QString, titleSize);
+        QFETCH(QString, priority);
+        const QMap<QString, ListPage *> pages{{"phone processes", &processes}, {"tablet processes", &tabletProcesses},
+                                              {"tablet system", &tabletSystem}, {"tablet network", &tabletNetwork}};
+        ListPage *list = pages.value(page);
+        const LabelView *title = label(*list, list->title());
+        QVERIFY(title);
+        QCOMPARE(QStringList({text(list->baseView()->geometry()), text(list->panelBackground()->geometry()),
+                              text(list->tableView()->geometry()), text(title->geometry())}).join(u'|'), frames);
+        QCOMPARE(title->font().pixelSize(), titleSize.toInt());
+        const LabelView *header = label(*list, QStringLiteral("Priority"));
+        QCOMPARE(header ? QString(header->alignment() == Qt::AlignHCenter ? "centre" : "left") : QString(), priority);
+    }
+
+    void tabletRowsKeepTheirWidth_data()
+    {
+        QTest::addColumn<int>("page");
+        QTest::newRow("processes") << 0;
+        QTest::newRow("system") << 1;
+        QTest::newRow("network") << 2;
+    }
+    void tabletRowsKeepTheirWidth()
+    {
+        QFETCH(int, page);
+        tabletProcesses.setProcData(records(3));
+        tabletSystem.setInfoData(record({"DeviceInfo"}, {2}));
+        shown = record({"CommonInfo"}, {2});
+        tabletNetwork.reloadNetworkData();
+        ListPage *list = QList<ListPage *>{&tabletProcesses, &tabletSystem, &tabletNetwork}[page];
+        const int first = page == 0 ? 0 : static_cast<InfoTableModel *>(list->tableView()->model())->dataRow(0, 0);
+        // In a table 460 points wide, the odd row's stripe still ends at 344.
+        const auto striped = [&](qreal x) { return at(*list, first + 1, QPointF(x, 3)).lightness() < at(*list, first, QPointF(x, 3)).lightness(); };
+        QVERIFY(striped(342));
+        QVERIFY(!striped(346));
     }
 
     void missingInfoRecords()
