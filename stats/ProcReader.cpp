@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -117,9 +118,11 @@ std::optional<ProcReader::CpuTicks> ProcReader::parseCpuLine(const char *text, q
     if (count < 4)
         return std::nullopt;
 
+    // Niced work (a build, a batch job) is work the user asked for: it counts as
+    // user time, or a busy machine would read as idle. Guest time is already inside
+    // user; steal is time this machine did not get, so it is left out.
     CpuTicks ticks;
-    ticks.user = quint32(field[0]);
-    ticks.nice = quint32(field[1]);
+    ticks.user = quint32(field[0] + field[1]);
     ticks.system = quint32(field[2] + field[5] + field[6]);
     ticks.idle = quint32(field[3] + field[4]);
     return ticks;
@@ -251,6 +254,8 @@ std::optional<QList<int>> ProcReader::pids() const
             result.append(int(pid));
     }
     ::closedir(dir);
+    // The kernel lists /proc in pid order; a copied tree on disk does not.
+    std::sort(result.begin(), result.end());
     return result;
 }
 

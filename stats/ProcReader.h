@@ -12,7 +12,8 @@
 class ProcReader {
 public:
     // Cumulative ticks of /proc/stat's first line, folded into four classes and cut
-    // to 32 bits: callers difference them in unsigned 32-bit arithmetic.
+    // to 32 bits: callers difference them in unsigned 32-bit arithmetic. Nice ticks
+    // are part of user; nice itself stays 0.
     struct CpuTicks {
         quint32 user = 0;
         quint32 system = 0;
@@ -44,11 +45,11 @@ public:
     std::optional<MemInfo> memInfo() const;
     std::optional<qint64> bootTime() const; // seconds since 1970, "btime" of /proc/stat
 
-    // Every process whose stat file could be read, in directory order.
+    // Every process whose stat file could be read, in ascending pid order.
     // nullopt when the proc directory itself cannot be read.
     std::optional<QList<ProcStat>> processStats() const;
 
-    // The pid directories in directory order; nullopt when unreadable.
+    // The pid directories in ascending order; nullopt when unreadable.
     std::optional<QList<int>> pids() const;
     // Path of the stat file of pid, as the C library wants it.
     QByteArray statPath(int pid) const;

@@ -125,7 +125,7 @@ CpuUsageData StatCore::cpuUsage()
     data.user = m_cpuLoad.user - m_prevCpuLoad.user;
     data.system = m_cpuLoad.system - m_prevCpuLoad.system;
     data.idle = m_cpuLoad.idle - m_prevCpuLoad.idle;
-    // Nice ticks count neither as busy nor in the total.
+    // Niced work is already inside user (see ProcReader::CpuTicks).
     const quint32 busy = data.user + data.system;
     const quint32 total = busy + data.idle;
     data.usage = double(busy) / double(total) * 100.0; // 0/0 is NaN on purpose: no tick elapsed
@@ -238,12 +238,14 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
     ++m_scan;
     QList<ProcessRecord> records;
     records.reserve(stats->size());
-    for (auto it = stats->crbegin(); it != stats->crend(); ++it) {
+    // Oldest first, as the reversed newest-first table of the handheld: the top rows
+    // stay put from one tick to the next.
+    for (const ProcReader::ProcStat &stat : *stats) {
         ProcessRecord record;
-        record.pid = QString::number(it->pid);
-        record.processName = QString::fromUtf8(it->comm);
-        record.priority = QString::number(it->priority);
-        record.startTime = startTimeText(it->pid, it->startTicks, bootTime);
+        record.pid = QString::number(stat.pid);
+        record.processName = QString::fromUtf8(stat.comm);
+        record.priority = QString::number(stat.priority);
+        record.startTime = startTimeText(stat.pid, stat.startTicks, bootTime);
         records.append(std::move(record));
     }
     // Forget processes that have gone, so the cache stays as large as the table.

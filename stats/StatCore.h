@@ -47,7 +47,7 @@ public:
     CpuUsageData cpuUsage();
     MemoryUsageData memoryUsage() const;
     DiskUsageData diskUsage() const;
-    // Every process, the reverse of the proc directory's order; nullopt when the
+    // Every process in ascending pid order, oldest first; nullopt when the
     // process table cannot be read or holds no process.
     std::optional<QList<ProcessRecord>> runningProcesses();
     // Start-time texts kept: one per process of the last scan, none for the dead.
