@@ -1,6 +1,5 @@
 #include "MonitorAppDelegate_iPad.h"
 
-#include "StatCore.h"
 #include "iPadRootViewController.h"
 
 MonitorAppDelegate_iPad::MonitorAppDelegate_iPad(QSize windowSize, Device *device, QObject *parent)
@@ -17,8 +16,6 @@ bool MonitorAppDelegate_iPad::application(QGuiApplication *application,
                                           const LaunchOptions &didFinishLaunchingWithOptions)
 {
     MonitorAppDelegate::application(application, didFinishLaunchingWithOptions);
-    // The simulator's name on the System page depends on the idiom's screen width.
-    StatCore::shared()->setScreenWidth(768);
     // The window is already visible when the root screen goes in, so the root screen
     // builds itself at its final size. A second launch call keeps the first root screen.
     if (!m_rootViewController) {

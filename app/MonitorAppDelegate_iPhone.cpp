@@ -1,6 +1,5 @@
 #include "MonitorAppDelegate_iPhone.h"
 
-#include "StatCore.h"
 #include "iPhoneRootViewController.h"
 
 MonitorAppDelegate_iPhone::MonitorAppDelegate_iPhone(QSize windowSize, Device *device, QObject *parent)
@@ -17,8 +16,6 @@ bool MonitorAppDelegate_iPhone::application(QGuiApplication *application,
                                           const LaunchOptions &didFinishLaunchingWithOptions)
 {
     MonitorAppDelegate::application(application, didFinishLaunchingWithOptions);
-    // The simulator's name on the System page depends on the idiom's screen width.
-    StatCore::shared()->setScreenWidth(320);
     // The window is already visible when the root screen goes in, so the root screen
     // builds itself at its final size. A second launch call keeps the first root screen.
     if (!m_rootViewController) {

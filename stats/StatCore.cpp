@@ -280,11 +280,6 @@ QString StatCore::getCPUFrequency() const
     return m_systemInfo.getCPUFrequency();
 }
 
-void StatCore::setScreenWidth(double width)
-{
-    m_systemInfo.setScreenWidth(width);
-}
-
 InfoDictionary StatCore::networkInfo()
 {
     return m_networkInfo.networkInfo();

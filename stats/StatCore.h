@@ -59,8 +59,6 @@ public:
     std::uint32_t getSysInfo(std::uint32_t selector) const;
     QString platformString() const;
     QString getCPUFrequency() const;
-    // Width of the idiom's screen in points (320 phone, 768 tablet).
-    void setScreenWidth(double width);
 
     // Network state: "CommonInfo", "WifiInfo", "CellInfo". Runs the reachability
     // test and the address queries anew on every call.

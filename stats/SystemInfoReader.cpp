@@ -5,8 +5,10 @@
 #include "StatCore.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include <sys/utsname.h>
@@ -37,6 +39,13 @@ std::uint64_t hostTimeBaseFrequency()
         __cpuid(0x15, a, b, c, d);
         if (a != 0 && b != 0 && c != 0)
             return std::uint64_t(c) * b / a;
+    }
+    // Leaf 0x16: the base frequency in MHz, which the TSC runs at where 0x15 names
+    // no crystal.
+    if (maxLeaf >= 0x16) {
+        __cpuid(0x16, a, b, c, d);
+        if ((a & 0xFFFF) != 0)
+            return std::uint64_t(a & 0xFFFF) * 1000000;
     }
     // Under a hypervisor the TSC rate in kHz is commonly published in leaf 0x40000010.
     if (maxLeaf >= 1) {
@@ -127,6 +136,48 @@ CacheFigures readCacheDirectories(const QString &root)
     return figures;
 }
 
+// What firmware writes into DMI when the maker filled nothing in.
+bool isFirmwarePlaceholder(const QString &value)
+{
+    static const char *const placeholders[] = {
+        "To Be Filled By O.E.M.", "To Be Filled By OEM", "System Product Name", "System manufacturer",
+        "System Name", "Product Name", "Default string", "Not Applicable", "Not Specified", "Not Available",
+        "None", "N/A", "OEM", "O.E.M.", "Unknown", "Undefined", "Invalid", "Type1ProductConfigId",
+        "0123456789", "Default_string", "XXXXXXXXXX",
+    };
+    const QString text = value.trimmed();
+    if (text.isEmpty())
+        return true;
+    for (const char *placeholder : placeholders) {
+        if (text.compare(QLatin1String(placeholder), Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
+// The text up to the first NUL: device-tree strings end in one, and string lists
+// ("compatible") separate their entries with them.
+QString firstDeviceTreeString(QByteArray raw)
+{
+    const qsizetype nul = raw.indexOf('\0');
+    if (nul >= 0)
+        raw.truncate(nul);
+    return QString::fromUtf8(raw).trimmed();
+}
+
+// A computed frequency shown to the whole MHz and no further: "2.596 GHz",
+// "1.8 GHz", "816 MHz", as the handheld's own table writes "1 GHz" and "412 MHz".
+QString frequencyText(double hz)
+{
+    const long long mhz = std::llround(hz / 1000000.0);
+    if (mhz <= 0)
+        return QStringLiteral("");
+    int decimals = 0;
+    if (mhz >= 1000)
+        decimals = mhz % 10 != 0 ? 3 : mhz % 100 != 0 ? 2 : mhz % 1000 != 0 ? 1 : 0;
+    return StatCore::hzToKiloMegaGigaWithHz(double(mhz) * 1000000.0, decimals, true);
+}
+
 bool machineMatches(const QString &machine, const char *exact)
 {
     return machine == QLatin1String(exact);
@@ -160,16 +211,6 @@ SystemInfoReader::SystemInfoReader(QString root, SystemCalls calls)
 {
 }
 
-void SystemInfoReader::setScreenWidth(double width)
-{
-    m_screenWidth = width;
-}
-
-double SystemInfoReader::screenWidth() const
-{
-    return m_screenWidth;
-}
-
 QString SystemInfoReader::getSysInfoByName(const QString &name) const
 {
     if (name == u"hw.machine" || name == u"kern.ostype" || name == u"kern.osrelease") {
@@ -179,20 +220,79 @@ QString SystemInfoReader::getSysInfoByName(const QString &name) const
                                                       : names.release;
         return value.isNull() ? QStringLiteral("") : value;
     }
-    if (name == u"hw.model") {
-        // Device-tree strings end in a NUL; DMI files in a line break.
-        QByteArray model = SysfsText::read(m_root, QStringLiteral("sys/firmware/devicetree/base/model"));
-        if (!model.isNull()) {
-            const qsizetype nul = model.indexOf('\0');
-            if (nul >= 0)
-                model.truncate(nul);
-            const QString text = QString::fromUtf8(model).trimmed();
-            if (!text.isEmpty())
-                return text;
-        }
-        return SysfsText::firstLine(m_root, QStringLiteral("sys/class/dmi/id/product_name"));
+    if (name == u"hw.model")
+        return hardwareIdentifier();
+    return QStringLiteral("");
+}
+
+QString SystemInfoReader::dmiValue(const char *file) const
+{
+    const QString value = SysfsText::firstLine(m_root, QStringLiteral("sys/class/dmi/id/") + QLatin1String(file));
+    return isFirmwarePlaceholder(value) ? QStringLiteral("") : value;
+}
+
+QString SystemInfoReader::deviceTreeString(const char *file) const
+{
+    return firstDeviceTreeString(
+        SysfsText::read(m_root, QStringLiteral("sys/firmware/devicetree/base/") + QLatin1String(file)));
+}
+
+QString SystemInfoReader::hardwareName() const
+{
+    // Phones and boards carry their marketing name in the device tree.
+    const QString model = deviceTreeString("model");
+    if (!model.isEmpty())
+        return model;
+    // PCs: maker and product, without repeating a maker that the product already
+    // names ("VMware, Inc." + "VMware Virtual Platform").
+    const QString vendor = dmiValue("sys_vendor");
+    const QString product = dmiValue("product_name");
+    const QString vendorWord = vendor.section(QLatin1Char(' '), 0, 0).remove(QLatin1Char(','));
+    if (product.isEmpty() && vendor.isEmpty()) {
+        // An architecture is not a device, but it is all that is known.
+        const QString machine = getSysInfoByName(QStringLiteral("hw.machine"));
+        return machine.isEmpty() ? QStringLiteral("Linux") : QStringLiteral("Linux ") + machine;
+    }
+    if (product.isEmpty())
+        return vendor;
+    if (vendor.isEmpty() || product.startsWith(vendorWord, Qt::CaseInsensitive))
+        return product;
+    return vendor + QLatin1Char(' ') + product;
+}
+
+QString SystemInfoReader::hardwareIdentifier() const
+{
+    // The first "compatible" entry is the board's own ("pine64,pinephone-1.2"); the
+    // rest name the families it belongs to.
+    const QString compatible = deviceTreeString("compatible");
+    if (!compatible.isEmpty())
+        return compatible;
+    return dmiValue("product_name");
+}
+
+QString SystemInfoReader::cpuInfoValue(const char *key) const
+{
+    // "key<TAB>: value" lines; the first processor's block comes first.
+    const QList<QByteArray> lines = SysfsText::read(m_root, QStringLiteral("proc/cpuinfo")).split('\n');
+    for (const QByteArray &line : lines) {
+        const qsizetype colon = line.indexOf(':');
+        if (colon > 0 && line.left(colon).trimmed().compare(key, Qt::CaseInsensitive) == 0)
+            return QString::fromUtf8(line.mid(colon + 1)).trimmed();
     }
     return QStringLiteral("");
+}
+
+std::uint64_t SystemInfoReader::timeBaseHz() const
+{
+    if (const std::uint64_t fromProcessor = m_calls.timeBaseFrequency ? m_calls.timeBaseFrequency() : 0)
+        return fromProcessor;
+    // The kernel calibrates its delay loop on the same counter (x86: the TSC, arm64:
+    // the arch timer) and prints twice its rate in MHz as "bogomips".
+    bool ok = false;
+    const double bogomips = cpuInfoValue("bogomips").toDouble(&ok);
+    if (!ok || !(bogomips > 0.0) || bogomips > 1.0e7)
+        return 0;
+    return std::uint64_t(std::llround(bogomips / 2.0 * 1000000.0));
 }
 
 std::uint32_t SystemInfoReader::processorCount() const
@@ -212,9 +312,12 @@ std::uint32_t SystemInfoReader::processorCount() const
 
 std::uint32_t SystemInfoReader::cacheFigure(std::uint32_t selector) const
 {
-    // Virtual machines often expose no cache directories; the C library then
-    // still knows the figures from the processor itself.
+    // Where the kernel lists the caches, a level it does not list is not there (many
+    // phones have no L3). Virtual machines often expose no cache directory at all;
+    // the C library then still knows the figures from the processor itself.
     const CacheFigures figures = readCacheDirectories(m_root);
+    const bool kernelListsCaches
+        = QFileInfo(QDir(m_root).filePath(QStringLiteral("sys/devices/system/cpu/cpu0/cache"))).isDir();
     std::uint64_t fromSysfs = 0;
     int sysconfName = 0;
     switch (selector) {
@@ -241,7 +344,7 @@ std::uint32_t SystemInfoReader::cacheFigure(std::uint32_t selector) const
     default:
         return 0;
     }
-    if (fromSysfs != 0)
+    if (kernelListsCaches)
         return saturate32(fromSysfs);
     const long fromLibc = m_calls.sysconf ? m_calls.sysconf(sysconfName) : 0;
     return fromLibc > 0 ? saturate32(std::uint64_t(fromLibc)) : 0;
@@ -253,7 +356,7 @@ std::uint32_t SystemInfoReader::getSysInfo(std::uint32_t selector) const
     case HW_NCPU:
         return processorCount();
     case HW_TB_FREQ:
-        return m_calls.timeBaseFrequency ? saturate32(m_calls.timeBaseFrequency()) : 0;
+        return saturate32(timeBaseHz());
     case HW_CACHELINE:
     case HW_L1ICACHESIZE:
     case HW_L1DCACHESIZE:
@@ -306,12 +409,7 @@ QString SystemInfoReader::platformString() const
         return QStringLiteral("Unknown iPod");
     if (machineStarts(machine, "iPad"))
         return QStringLiteral("Unknown iPad");
-    if (machine.endsWith(QLatin1String("86")) || machineMatches(machine, "x86_64")) {
-        if (m_screenWidth <= 0.0)
-            return QStringLiteral("iPhone Simulator");
-        return m_screenWidth < 768.0 ? QStringLiteral("iPhone Simulator") : QStringLiteral("iPad Simulator");
-    }
-    return QStringLiteral("Unknown iOS device");
+    return hardwareName();
 }
 
 QString SystemInfoReader::getCPUFrequency() const
@@ -337,6 +435,15 @@ QString SystemInfoReader::getCPUFrequency() const
         || machineStarts(machine, "iPad3")) {
         return QStringLiteral("1 GHz");
     }
+    // The highest clock cpufreq allows (kHz), else the clock the kernel measured.
+    bool ok = false;
+    const quint64 maxKHz = SysfsText::firstLine(m_root, QStringLiteral("sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq"))
+                               .toULongLong(&ok);
+    if (ok && maxKHz > 0)
+        return frequencyText(double(maxKHz) * 1000.0);
+    const double mhz = cpuInfoValue("cpu MHz").toDouble(&ok);
+    if (ok && mhz > 0.0)
+        return frequencyText(mhz * 1000000.0);
     return QStringLiteral("");
 }
 
@@ -364,8 +471,8 @@ InfoDictionary SystemInfoReader::systemInfo() const
     info.addSection(QStringLiteral("CPUInfo"),
                     {{QStringLiteral("Number of Cpus"), QString::fromLatin1(cpuCount)},
                      {QStringLiteral("CPU Frequency"), getCPUFrequency()},
-                     {QStringLiteral("TB Frequency"),
-                      StatCore::hzToKiloMegaGigaWithHz(double(getSysInfo(HW_TB_FREQ)), 0, true)},
+                     // The full 64-bit rate: a TSC above 4.29 GHz is no rarity.
+                     {QStringLiteral("TB Frequency"), StatCore::hzToKiloMegaGigaWithHz(double(timeBaseHz()), 0, true)},
                      {QStringLiteral("Cache Line Size"), bytes(HW_CACHELINE)},
                      {QStringLiteral("L1 I Cache Size"), bytes(HW_L1ICACHESIZE)},
                      {QStringLiteral("L1 D Cache Size"), bytes(HW_L1DCACHESIZE)},

@@ -8,9 +8,10 @@
 #include <functional>
 
 // Identification of the device, its OS and its processor for the System pages.
-// Files are read under root; what no file can stand in for (uname, the C
-// library's cache figures, the processor's counter frequency) goes through
-// replaceable functions, so tests can describe any machine.
+// Files are read under root (device tree, DMI, cpufreq, cache directories,
+// /proc/cpuinfo); what no file can stand in for (uname, the C library's cache
+// figures, the processor's counter register) goes through replaceable functions,
+// so tests can describe any machine.
 class SystemInfoReader {
 public:
     // Hardware selectors, numbered as the handheld kernel numbers them.
@@ -33,16 +34,11 @@ public:
     struct SystemCalls {
         std::function<UnameValues()> uname;
         std::function<long(int)> sysconf;                  // _SC_* names; <= 0 means unknown
-        std::function<std::uint64_t()> timeBaseFrequency;  // Hz, 0 when unknown
+        std::function<std::uint64_t()> timeBaseFrequency;  // Hz from the processor itself, 0 when unknown
     };
     static SystemCalls hostSystemCalls();
 
     explicit SystemInfoReader(QString root = QStringLiteral("/"), SystemCalls calls = hostSystemCalls());
-
-    // Width of the idiom's screen in points; decides the simulator's name.
-    // 0 or less means there is no screen.
-    void setScreenWidth(double width);
-    double screenWidth() const;
 
     InfoDictionary systemInfo() const;
 
@@ -50,14 +46,20 @@ public:
     QString getSysInfoByName(const QString &name) const;
     // The HW_* selectors above; 0 for unknown selectors and unknown values.
     std::uint32_t getSysInfo(std::uint32_t selector) const;
+    // The handheld tables first; past them, the name a person knows the hardware by.
     QString platformString() const;
     QString getCPUFrequency() const;
 
 private:
+    QString hardwareName() const;
+    QString hardwareIdentifier() const;
+    QString dmiValue(const char *file) const;
+    QString deviceTreeString(const char *file) const;
+    QString cpuInfoValue(const char *key) const;
+    std::uint64_t timeBaseHz() const;
     std::uint32_t processorCount() const;
     std::uint32_t cacheFigure(std::uint32_t selector) const;
 
     QString m_root;
     SystemCalls m_calls;
-    double m_screenWidth = 320.0;
 };
