@@ -2,6 +2,9 @@
 
 #include "SysfsText.h"
 
+#include <QMessageAuthenticationCode>
+#include <QRegularExpression>
+
 DeviceIdentity::DeviceIdentity(QString root)
     : m_root(std::move(root))
 {
@@ -19,7 +22,22 @@ QString DeviceIdentity::name() const
 
 QString DeviceIdentity::uniqueIdentifier() const
 {
-    return SysfsText::firstLine(m_root, QStringLiteral("etc/machine-id"));
+    // The machine id itself is confidential (machine-id(5)): anyone who sees it can
+    // follow the machine across every program that shows it. What is shown is an
+    // id of this machine for this application only, HMAC-SHA256 keyed with the
+    // machine id over the application's own id, marked as a random (v4) UUID, as
+    // systemd's sd_id128_get_machine_app_specific() derives it.
+    static const QByteArray applicationId = QByteArray::fromHex("a280b5a790644db9879c23ddd259c62e");
+    const QString text = SysfsText::firstLine(m_root, QStringLiteral("etc/machine-id"));
+    static const QRegularExpression machineId(QStringLiteral("^[0-9a-fA-F]{32}$"));
+    if (!machineId.match(text).hasMatch())
+        return QStringLiteral("");
+    QByteArray id = QMessageAuthenticationCode::hash(applicationId, QByteArray::fromHex(text.toLatin1()),
+                                                     QCryptographicHash::Sha256)
+                        .left(16);
+    id[6] = char((id.at(6) & 0x0F) | 0x40);
+    id[8] = char((id.at(8) & 0x3F) | 0x80);
+    return QString::fromLatin1(id.toHex());
 }
 
 QString DeviceIdentity::systemName() const
