@@ -27,7 +27,8 @@
 #define KOVAR_EXTERNAL_IP_URL ""
 #endif
 
-Q_LOGGING_CATEGORY(lcNetworkInfo, "kovar.stats.network")
+// Debug lines (a host name that does not resolve) stay quiet unless asked for.
+Q_LOGGING_CATEGORY(lcNetworkInfo, "kovar.stats.network", QtInfoMsg)
 
 namespace {
 
@@ -121,8 +122,8 @@ QString NetworkInfoReader::wifiInterfaceName() const
             return name;
         }
     }
-    // No radio: the wired interface that carries the default route plays the part.
-    return defaultRouteInterface();
+    // No radio, no Wi-Fi: a wired address is never shown as a Wi-Fi one.
+    return QStringLiteral("");
 }
 
 QString NetworkInfoReader::cellularInterfaceName() const
@@ -168,7 +169,10 @@ bool NetworkInfoReader::interfaceIsUp(const QString &interfaceName) const
 
 QString NetworkInfoReader::macAddress() const
 {
-    const QString name = wifiInterfaceName();
+    // Without Wi-Fi, the address of the interface the machine talks through.
+    QString name = wifiInterfaceName();
+    if (name.isEmpty())
+        name = defaultRouteInterface();
     if (name.isEmpty() || !QFileInfo::exists(QDir(m_root).filePath(QStringLiteral("sys/class/net/") + name))) {
         qCWarning(lcNetworkInfo).noquote() << "Error: if_nametoindex error";
         return {};
@@ -210,11 +214,15 @@ QString NetworkInfoReader::localIPAddress() const
     const QString host = hostname();
     const Resolution resolution = (host.isNull() || !m_seams.resolveIPv4) ? Resolution{QString(), QStringLiteral("Unknown host")}
                                                                           : m_seams.resolveIPv4(host);
-    if (resolution.address.isNull()) {
-        qCWarning(lcNetworkInfo).noquote() << QStringLiteral("resolv: ") + resolution.error;
-        return {};
-    }
-    return resolution.address;
+    if (!resolution.address.isNull())
+        return resolution.address;
+    // Without mDNS (most desktops) "<host>.local" does not resolve; that is no fault.
+    // The address the machine talks from is the source of its reachability route.
+    qCDebug(lcNetworkInfo).noquote() << QStringLiteral("resolv: ") + resolution.error;
+    const std::optional<RouteLookup::Route> route = m_seams.linkLocalRoute ? m_seams.linkLocalRoute() : std::nullopt;
+    if (route && route->exists && !route->preferredSource.isEmpty())
+        return route->preferredSource;
+    return {};
 }
 
 QString NetworkInfoReader::ipv4AddressOf(const QString &interfaceName) const

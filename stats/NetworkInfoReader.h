@@ -57,7 +57,9 @@ public:
 
     QString macAddress() const;          // null on failure
     QString hostname() const;            // "<name>.local", null on failure
-    QString localIPAddress() const;      // null when the host name does not resolve
+    // "<name>.local" resolved, else the reachability route's source address; null
+    // when neither is known.
+    QString localIPAddress() const;
     QString wifiIPAddress() const;
     QString cellularIPAddress() const;
     QString externalIPAddress() const;   // body, or an error text
@@ -72,7 +74,8 @@ public:
 
     std::uint32_t reachabilityFlags() const;   // the word as last refreshed
 
-    // Which interfaces play the roles of "en0" and "pdp_ip0" right now; "" for none.
+    // Which interfaces play the roles of "en0" (a wireless one) and "pdp_ip0" (a wwan
+    // one) right now; "" for none.
     QString wifiInterfaceName() const;
     QString cellularInterfaceName() const;
 

@@ -129,8 +129,13 @@ std::optional<RouteLookup::Route> RouteLookup::parseAnswer(const void *datagram,
         int attributesLength = int(RTM_PAYLOAD(message));
         for (auto *attribute = RTM_RTA(route); RTA_OK(attribute, attributesLength);
              attribute = RTA_NEXT(attribute, attributesLength)) {
-            if (attribute->rta_type == RTA_OIF && RTA_PAYLOAD(attribute) >= sizeof(int))
+            if (attribute->rta_type == RTA_OIF && RTA_PAYLOAD(attribute) >= sizeof(int)) {
                 std::memcpy(&result.interfaceIndex, RTA_DATA(attribute), sizeof(int));
+            } else if (attribute->rta_type == RTA_PREFSRC && RTA_PAYLOAD(attribute) >= sizeof(in_addr)) {
+                char text[INET_ADDRSTRLEN] = {};
+                if (::inet_ntop(AF_INET, RTA_DATA(attribute), text, sizeof text))
+                    result.preferredSource = QString::fromLatin1(text);
+            }
         }
         result.exists = result.interfaceIndex > 0;
         return result;

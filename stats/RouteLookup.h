@@ -14,6 +14,7 @@ public:
         bool exists = false;     // false: the kernel has no route (unreachable)
         int interfaceIndex = 0;
         QString interfaceName;   // "" when the interface vanished meanwhile
+        QString preferredSource; // dotted address the kernel would send from ("src"); "" when none
     };
 
     // addressHostOrder is an IPv4 address in host byte order.
