@@ -3,7 +3,9 @@
 #include "FontTable.h"
 #include "ProcessTableModel.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
+#include <QtMath>
 
 namespace {
 const QColor DarkGray = QColor::fromRgbF(1.0f / 3, 1.0f / 3, 1.0f / 3);
@@ -42,8 +44,12 @@ void ProcessCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
     }
     painter->setFont(_font);
     const QPoint origin = row.topLeft();
-    drawLabel(painter, _geometry.pid.translated(origin), index.data(ProcessTableModel::PidRole).toString(),
-              Qt::white, Qt::AlignLeft);
+    // No pid is cut: up to the kernel's largest, 4,194,304, the column takes what
+    // it needs of the gap before the name (whole pixels of its fractional advance).
+    const QString pid = index.data(ProcessTableModel::PidRole).toString();
+    QRect pidFrame = _geometry.pid.translated(origin);
+    pidFrame.setWidth(qMax(pidFrame.width(), qCeil(QFontMetricsF(painter->font()).horizontalAdvance(pid))));
+    drawLabel(painter, pidFrame, pid, Qt::white, Qt::AlignLeft);
     drawLabel(painter, _geometry.name.translated(origin), index.data(ProcessTableModel::ProcessNameRole).toString(),
               Qt::white, Qt::AlignLeft);
     drawLabel(painter, _geometry.startTime.translated(origin),

@@ -1,6 +1,7 @@
 #include "SummaryPanels.h"
 
 #include "Device.h"
+#include "FittedBytes.h"
 #include "FontTable.h"
 #include "HistogramItem.h"
 #include "ImageView.h"
@@ -14,6 +15,9 @@
 #include "StatCore.h"
 #include "StateBarItem.h"
 #include "SummaryColors.h"
+
+#include <QFontMetricsF>
+#include <QtMath>
 
 #include <cmath>
 #include <cstdio>
@@ -72,9 +76,18 @@ QString format(const char *pattern, Args... args)
     return QString::fromLatin1(text);
 }
 
-QByteArray bytesText(double bytes, int decmal)
+// A figure is never cut: a right-aligned label whose text outgrows its frame
+// widens to the left, into the blank beside its caption.
+void setWholeText(LabelView *label, const QString &text)
 {
-    return StatCore::byteToKiloMegaGigaWithByte(bytes, decmal, false).toLatin1();
+    label->setText(text);
+    // Whole pixels of a fractional advance: an int advance rounded down still elides.
+    const int needed = qCeil(QFontMetricsF(label->font()).horizontalAdvance(text));
+    if (needed > label->width()) {
+        QRect frame = label->geometry();
+        frame.setLeft(frame.right() + 1 - needed);
+        label->setGeometry(frame);
+    }
 }
 
 } // namespace
@@ -216,15 +229,15 @@ void SummaryPanels::setMemoryUsageData(const MemoryUsageData &memory)
                                       pieItem(memory.active, memoryActive),
                                       pieItem(memory.inactive, memoryInactive),
                                       pieItem(memory.free, memoryFree));
-    _memoryWired->setText(format("%5.1f%% %5.5s", memory.wiredPercent, bytesText(double(memory.wired), 0).constData()));
-    _memoryActive->setText(
-        format("%5.1f%% %5.5s", memory.activePercent, bytesText(double(memory.active), 0).constData()));
-    _memoryInactive->setText(
-        format("%5.1f%% %5.5s", memory.inactivePercent, bytesText(double(memory.inactive), 0).constData()));
-    _memoryFree->setText(format("%5.1f%% %5.5s", memory.freePercent, bytesText(double(memory.free), 0).constData()));
-    _memoryTotal->setText(format("%5.5s", bytesText(double(memory.total), 0).constData()));
-    _memoryUser->setText(format("%5.5s", bytesText(double(memory.user), 0).constData()));
-    _memoryPhysical->setText(format("%5.5s", bytesText(double(memory.physical), 0).constData()));
+    // Five-character size fields, as "%5.5s" would give, that never cut a figure.
+    auto size = [](quint64 bytes) { return FittedBytes::text(double(bytes), 0, 5); };
+    setWholeText(_memoryWired, format("%5.1f%% ", memory.wiredPercent) + size(memory.wired));
+    setWholeText(_memoryActive, format("%5.1f%% ", memory.activePercent) + size(memory.active));
+    setWholeText(_memoryInactive, format("%5.1f%% ", memory.inactivePercent) + size(memory.inactive));
+    setWholeText(_memoryFree, format("%5.1f%% ", memory.freePercent) + size(memory.free));
+    setWholeText(_memoryTotal, size(memory.total));
+    setWholeText(_memoryUser, size(memory.user));
+    setWholeText(_memoryPhysical, size(memory.physical));
 }
 
 void SummaryPanels::setDiskUsageData(const DiskUsageData &disk)
@@ -237,9 +250,11 @@ void SummaryPanels::setDiskUsageData(const DiskUsageData &disk)
     const Rgb level = diskLevelColor(usedPct);
     _diskStateBarView->addItemData0(barItem(used, level), barItem(disk.freeSize, memoryFree));
     _diskUsedColorRectView->setRectColor(level.color());
-    _diskUsed->setText(format("%5.1f%% %9.9s", usedPct, bytesText(used, 2).constData()));
-    _diskFree->setText(format("%5.1f%% %9.9s", freePct, bytesText(disk.freeSize, 2).constData()));
-    _diskTotalSpace->setText(format("%9.9s", bytesText(disk.totalSize, 2).constData()));
+    // Nine-character fields, as "%9.9s" would give; 1 TB and more grow the field.
+    auto size = [](double bytes) { return FittedBytes::text(bytes, 2, 9); };
+    setWholeText(_diskUsed, format("%5.1f%% ", usedPct) + size(used));
+    setWholeText(_diskFree, format("%5.1f%% ", freePct) + size(disk.freeSize));
+    setWholeText(_diskTotalSpace, size(disk.totalSize));
 }
 
 void SummaryPanels::batteryChanged()
