@@ -1,6 +1,8 @@
 #include "Device.h"
 #include "FixtureTree.h"
+#include "FontTable.h"
 #include "InfoTableModel.h"
+#include "LabelView.h"
 #include "OORectView.h"
 #include "OOStateBarView.h"
 #include "ProcessTableModel.h"
@@ -138,18 +140,30 @@ private Q_SLOTS:
 
     void summaryTexts()
     {
-        // Each label its own figure; memory texts are cut to five characters, disk texts to nine.
+        // Each label its own figure; memory texts fill five characters, disk texts nine, and a longer
+        // figure steps up a unit or stays whole.
         summary.setMemoryUsageData(MemoryUsageData{4096, 0, 1610612736, 536870912, 3 * 1048576, 1023, 17179869184ull,
                                                    40, 12.5, 0.05, 100, 8589934592ull, 5000000000000ull});
         const QStringList memory{summary.memoryWiredText(), summary.memoryActiveText(), summary.memoryInactiveText(),
                                  summary.memoryFreeText(), summary.memoryTotalText(), summary.memoryUserText(),
                                  summary.memoryPhysicalText()};
-        QCOMPARE(memory.join(u'|'), QStringLiteral(" 40.0%   2GB| 12.5% 512MB|  0.1%   3MB|100.0% 1,023| 16GB|4,657|  8GB"));
+        QCOMPARE(memory.join(u'|'), QStringLiteral(" 40.0%   2GB| 12.5% 512MB|  0.1%   3MB|100.0%   1KB| 16GB|4,657GB|  8GB"));
         summary.setDiskUsageData(DiskUsageData{128.0 * (1 << 30), 32.0 * (1 << 30)});
         QCOMPARE(summary.diskUsedText() + u'|' + summary.diskFreeText() + u'|' + summary.diskTotalSpaceText(),
                  QStringLiteral(" 75.0%   96.00GB| 25.0%   32.00GB| 128.00GB"));
-        summary.setDiskUsageData(DiskUsageData{5e15, 5e15});
-        QCOMPARE(summary.diskTotalSpaceText(), QStringLiteral("4,656,612"));
+    }
+
+    void summarySizes_data() { FixtureTree::addRows("app-tables/summary-sizes.tsv", {"bytes", "memory", "disk"}); }
+    void summarySizes()
+    {
+        QFETCH(QString, bytes);
+        const quint64 n = bytes.toULongLong();
+        summary.setMemoryUsageData(MemoryUsageData{4096, 1, n, n, n, n, n, 100, 100, 100, 100, n, n});
+        summary.setDiskUsageData(DiskUsageData{double(n), 0});
+        QTEST(summary.memoryTotalText(), "memory");
+        QTEST(summary.diskTotalSpaceText(), "disk");
+        for (const LabelView *label : summary.findChildren<LabelView *>()) // every label holds its whole text
+            QCOMPARE(label->fontMetrics().elidedText(label->text(), Qt::ElideRight, label->width()), label->text());
     }
 
     void summaryDisk_data() { FixtureTree::addRows("app-tables/summary-disk.tsv", {"total", "free", "used"}); }
@@ -226,6 +240,18 @@ private Q_SLOTS:
         QCOMPARE(lightness(2), lightness(0));
         processes.tableView()->verticalScrollBar()->setValue(40);
         QVERIFY(lightness(1) < lightness(2));
+
+        // The kernel's largest pid is drawn whole: its last digit, not an ellipsis on the baseline, shows
+        // above the row's middle, past the column's own 50 points.
+        processes.setProcData(QList<ProcessRecord>{{QStringLiteral("4194304"), {}, {}, {}}});
+        const QImage shot = processes.grab().toImage();
+        const QPoint pid = processes.tableView()->viewport()->mapTo(&processes, QPoint(5, 0));
+        const QFontMetrics metrics(FontTable::font(QStringLiteral("Helvetica-Bold"), 14));
+        int lit = 0;
+        for (int x = metrics.horizontalAdvance(QStringLiteral("419430")) + 1; x < metrics.horizontalAdvance(QStringLiteral("4194304")); ++x)
+            for (int y = 0; y < 19; ++y)
+                lit += RenderProbe::at(shot, pid.x() + x, pid.y() + y).lightness() > 160;
+        QVERIFY(lit > 0);
     }
 
     void infoRowHeights()

@@ -30,13 +30,11 @@ class TestSystemInfoReader : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void devices_data() { addRows("stats-tables/devices.tsv", {"machine", "width", "device", "frequency"}); }
+    void devices_data() { addRows("stats-tables/devices.tsv", {"machine", "device", "frequency"}); }
     void devices()
     {
         QFETCH(QString, machine);
-        QFETCH(QString, width);
-        SystemInfoReader reader(path(QStringLiteral("sys-empty-tree")), fakeCalls(machine));
-        reader.setScreenWidth(width.toDouble());
+        const SystemInfoReader reader(path(QStringLiteral("sys-empty-tree")), fakeCalls(machine));
         QTEST(reader.platformString(), "device");
         QTEST(reader.getCPUFrequency(), "frequency");
     }
@@ -47,11 +45,18 @@ private Q_SLOTS:
         QTest::addColumn<QString>("machine");
         QTest::addColumn<bool>("libc");
         QTest::addColumn<qint64>("timeBase");
-        QTest::newRow("phone: device tree, cache dirs win over the C library, blank pretty name falls back to the kernel's")
-            << "sys-arm64-phone-dt" << "aarch64" << true << qint64(24000000);
-        QTest::newRow("x86 VM: DMI, the C library's cache figures, quoted names, counter above 4 GHz")
+        QTest::newRow("PinePhone Pro: device-tree model and compatible, cpufreq's top clock, arch timer from the delay loop, "
+                      "no L3 whatever the C library says, blank pretty name falls back to the kernel's")
+            << "sys-arm64-phone-dt" << "aarch64" << true << qint64(0);
+        QTest::newRow("QEMU VM: DMI maker and product, cpu MHz without cpufreq, the counter register before the delay "
+                      "loop and above 4 GHz, the C library's caches, quoted names")
             << "sys-x86-vm" << "x86_64" << true << qint64(5000000000);
-        QTest::newRow("bare VM: nothing known but the host name") << "sys-no-cache-dirs" << "x86_64" << false << qint64(0);
+        QTest::newRow("PC with DMI values and cpufreq: the top clock, not the idle one")
+            << "sys-x86-laptop-dmi-cpufreq" << "x86_64" << false << qint64(0);
+        QTest::newRow("PC with 'To Be Filled By O.E.M.' DMI: the architecture, no model")
+            << "sys-pc-oem-placeholders" << "x86_64" << false << qint64(0);
+        QTest::newRow("VM with neither DMI nor cpufreq: nothing known but the host name")
+            << "sys-no-cache-dirs" << "x86_64" << false << qint64(0);
         QTest::newRow("riscv: one unified L1 cache holds the data") << "sys-riscv-unified-l1" << "riscv64" << false << qint64(24000000);
         QTest::newRow("empty tree: processor count from the C library") << "sys-empty-tree" << "" << true << qint64(0);
     }
