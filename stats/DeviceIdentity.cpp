@@ -3,7 +3,8 @@
 #include "SysfsText.h"
 
 #include <QMessageAuthenticationCode>
-#include <QRegularExpression>
+
+#include <algorithm>
 
 DeviceIdentity::DeviceIdentity(QString root)
     : m_root(std::move(root))
@@ -29,8 +30,8 @@ QString DeviceIdentity::uniqueIdentifier() const
     // systemd's sd_id128_get_machine_app_specific() derives it.
     static const QByteArray applicationId = QByteArray::fromHex("a280b5a790644db9879c23ddd259c62e");
     const QString text = SysfsText::firstLine(m_root, QStringLiteral("etc/machine-id"));
-    static const QRegularExpression machineId(QStringLiteral("^[0-9a-fA-F]{32}$"));
-    if (!machineId.match(text).hasMatch())
+    const auto isHexDigit = [](QChar c) { return (c >= u'0' && c <= u'9') || (c.toLower() >= u'a' && c.toLower() <= u'f'); };
+    if (text.size() != 32 || !std::all_of(text.begin(), text.end(), isHexDigit))
         return QStringLiteral("");
     QByteArray id = QMessageAuthenticationCode::hash(applicationId, QByteArray::fromHex(text.toLatin1()),
                                                      QCryptographicHash::Sha256)

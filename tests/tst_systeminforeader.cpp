@@ -55,7 +55,7 @@ private Q_SLOTS:
             << "sys-x86-laptop-dmi-cpufreq" << "x86_64" << false << qint64(0);
         QTest::newRow("PC with 'To Be Filled By O.E.M.' DMI: the architecture, no model")
             << "sys-pc-oem-placeholders" << "x86_64" << false << qint64(0);
-        QTest::newRow("VM with neither DMI nor cpufreq: nothing known but the host name")
+        QTest::newRow("VM with neither DMI nor cpufreq, machine id \"uninitialized\": nothing known but the host name")
             << "sys-no-cache-dirs" << "x86_64" << false << qint64(0);
         QTest::newRow("riscv: one unified L1 cache holds the data") << "sys-riscv-unified-l1" << "riscv64" << false << qint64(24000000);
         QTest::newRow("empty tree: processor count from the C library") << "sys-empty-tree" << "" << true << qint64(0);
