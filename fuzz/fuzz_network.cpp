@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         return std::optional<QList<NetworkInfoReader::InterfaceAddress>>(
             {{"wlp3s0", AF_INET, IFF_UP, "10.0.0.7"}, {"wwan0", AF_INET, IFF_UP, "10.64.0.2"}});
     };
-    seams.linkLocalRoute = [] { return std::optional<RouteLookup::Route>({true, 3, "wwan0"}); };
+    seams.linkLocalRoute = [] { return std::optional<RouteLookup::Route>({true, 3, "wwan0", {}}); };
     seams.hostName = [] { return std::optional<QString>(QStringLiteral("fuzz")); };
     seams.resolveIPv4 = [](const QString &) { return NetworkInfoReader::Resolution{QString(), QStringLiteral("none")}; };
     NetworkInfoReader reader(tree.root(), seams);
