@@ -239,7 +239,7 @@ private Q_SLOTS:
         const auto exact = std::make_unique<char[]>(std::size_t(bytes.size()));
         std::memcpy(exact.get(), bytes.constData(), std::size_t(bytes.size()));
         const Route route = RouteLookup::parseAnswer(exact.get(), std::size_t(bytes.size()), sequence.toUInt());
-        QTEST(!route ? QStringLiteral("-") : route->exists ? QString::number(route->interfaceIndex) : QStringLiteral("no route"),
+        QTEST(!route ? QStringLiteral("-") : route->exists ? QString::number(route->interfaceIndex) + u' ' + route->preferredSource : QStringLiteral("no route"),
               "answer");
     }
 
@@ -253,7 +253,6 @@ private Q_SLOTS:
             QSKIP("rtnetlink is not available here");
         QCOMPARE(route->interfaceName, QStringLiteral("lo"));
         QCOMPARE(route->interfaceIndex, int(::if_nametoindex("lo")));
-        QCOMPARE(route->preferredSource, QStringLiteral("127.0.0.1"));
         const Addresses addresses = NetworkInfoReader::hostSeams().interfaceAddresses();
         QVERIFY(addresses && std::any_of(addresses->begin(), addresses->end(), [](const Address &entry) {
                     return entry.name == u"lo" && entry.family == AF_INET && entry.address == u"127.0.0.1"
