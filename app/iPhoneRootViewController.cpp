@@ -14,6 +14,7 @@
 #include "iPhoneTotalViewController.h"
 
 #include <QTimer>
+#include <QWheelEvent>
 
 #include <cmath>
 
@@ -128,6 +129,13 @@ void iPhoneRootViewController::scrollViewDidEndDecelerating(PagingScrollView *sc
 
 void iPhoneRootViewController::pageControlClicked(OOPageControl *, int)
 {
+}
+
+void iPhoneRootViewController::wheelEvent(QWheelEvent *event)
+{
+    // Over the titles the wheel turns pages, as over a tab bar, in either axis.
+    if (event->position().y() >= TitleBarHeight || !_mainScrollView || !_mainScrollView->turnByWheel(event, true))
+        event->ignore();
 }
 
 void iPhoneRootViewController::receiveAd(const QVariantMap &)

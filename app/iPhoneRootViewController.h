@@ -21,6 +21,7 @@ class iPhoneRootViewController : public QWidget, public OOPageControlDelegate {
 public:
     static constexpr int RefreshIntervalMs = 2000;
     static constexpr int BannerHeight = 50;
+    static constexpr int TitleBarHeight = 20;
 
     explicit iPhoneRootViewController(QWidget *parent = nullptr);
     ~iPhoneRootViewController() override;
@@ -43,6 +44,9 @@ public:
     iPhoneProcessesViewController *processesViewController() const { return _processesViewController; }
     iPhoneSystemViewController *systemViewController() const { return _systemViewController; }
     iPhoneNetworkViewController *networkViewController() const { return _networkViewController; }
+
+protected:
+    void wheelEvent(QWheelEvent *event) override;
 
 private:
     PagingScrollView *_mainScrollView = nullptr;

@@ -20,6 +20,8 @@ void iPhoneTotalViewController::viewDidLoad()
     _scrollView = new QScrollArea(this);
     _scrollView->setGeometry(0, 20, W, H - 20);
     _scrollView->setFrameShape(QFrame::NoFrame);
+    // The pager keeps the keyboard; Up and Down reach this page through it.
+    _scrollView->setFocusPolicy(Qt::NoFocus);
     _scrollView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     _scrollView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     _scrollView->setAttribute(Qt::WA_TranslucentBackground);

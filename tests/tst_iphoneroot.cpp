@@ -76,6 +76,7 @@ private Q_SLOTS:
         root.show(); // scrolling needs a laid-out pager, as on screen
         QVERIFY(QTest::qWaitForWindowExposed(&root));
         pager = root.mainScrollView();
+        pager->setTurnDuration(30); // the turns the tests wait for end sooner
         QCOMPARE(marked(), QStringLiteral("0"));
 
         tablet.resize(768, 1004);
@@ -142,16 +143,6 @@ private Q_SLOTS:
         QCOMPARE(marked(), QString::number(page));
     }
 
-    void wheelTurnsPage()
-    {
-        pager->setContentOffset(QPointF(320, 0), false);
-        QWheelEvent wheel(QPointF(160, 200), QPointF(160, 200), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(pager->viewport(), &wheel);
-        QCOMPARE(headingTo(), 640.0);
-        QTRY_COMPARE_WITH_TIMEOUT(marked(), QStringLiteral("2"), 3000); // it ends like a swipe: the indicator follows
-    }
-
     void refreshTicks()
     {
         QTimer *timer = root.systemStateGetTimer();
@@ -211,10 +202,13 @@ private Q_SLOTS:
         iPadTotalViewController *summary = tablet.totalViewController();
         summary->pager()->setContentOffset(QPointF(0, 0), false);
         summary->pageControl()->setCurrentPage(0);
-        // A sideways wheel gesture over the pager moves it one page and ends like a swipe.
-        QWheelEvent wheel(QPointF(100, 100), QPointF(100, 100), QPoint(), QPoint(-120, 0), Qt::NoButton, Qt::NoModifier,
+        // A sideways wheel notch over the pager, as the window system delivers it, moves it one
+        // page and ends like a swipe.
+        const QPointF over = summary->pager()->mapTo(&tablet, QPointF(100, 100));
+        QWheelEvent wheel(over, tablet.mapToGlobal(over), QPoint(), QPoint(-120, 0), Qt::NoButton, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(summary->pager()->viewport(), &wheel);
+        QSpontaneKeyEvent::setSpontaneous(&wheel);
+        qApp->notify(tablet.windowHandle(), &wheel);
         QTRY_COMPARE_WITH_TIMEOUT(summary->pageControl()->currentPage(), 1, 3000);
         QCOMPARE(summary->pager()->contentOffset().x(), 384.0);
         // The second dot is the bright one.
@@ -280,6 +274,59 @@ private Q_SLOTS:
         QCOMPARE(root.totalViewController()->scrollView()->geometry(), QRect(0, 20, 320, 390));
         QCOMPARE(root.systemViewController()->tableView()->geometry(), QRect(15, 40, 290, 335));
         QCOMPARE(root.networkViewController()->panelBackground()->geometry(), QRect(5, 5, 310, 380));
+    }
+
+    // Drags of several lengths and speeds (5 moves, then held still before release) on
+    // the phone's four pages of 320 and the tablet's two of 384: the page the pager settles on.
+    void dragTarget_data() { FixtureTree::addRows("app-tables/pager-drags.tsv", {"pages", "start", "drag", "target"}); }
+    void dragTarget()
+    {
+        QFETCH(QString, pages);
+        QFETCH(QString, start);
+        QFETCH(QString, drag); // "pixels/ms" or "pixels/ms+held ms"
+        QFETCH(QString, target);
+        const qreal width = pages == u"2" ? 384 : 320, from = start.toInt() * width, pixels = drag.section(u'/', 0, 0).toDouble();
+        const qint64 ms = drag.section(u'/', 1).section(u'+', 0, 0).toLongLong(), held = drag.section(u'+', 1).toLongLong();
+        QList<PagingScrollView::DragSample> trail;
+        for (int move = 0; move <= 5; ++move)
+            trail.append({ms * move / 5, from + pixels * move / 5});
+        trail.append({ms + held, from + pixels});
+        QCOMPARE(PagingScrollView::targetPageAfterDrag(start.toInt(), trail, width, pages.toInt()), target.toInt());
+    }
+
+    // Keys to the focused pager and wheel notches over a page or the titles ("where:dx,dy"):
+    // the page turned to, the indicator that follows it, and whether the System list scrolled.
+    void turnsOnePage_data() { FixtureTree::addRows("app-tables/root-turns.tsv", {"start", "inputs", "page", "scrolled"}); }
+    void turnsOnePage()
+    {
+        QFETCH(QString, start);
+        QFETCH(QString, inputs);
+        QFETCH(QString, page);
+        QFETCH(QString, scrolled);
+        pager->setContentOffset(QPointF(start.toInt() * 320, 0), false);
+        root.pageControl()->setCurrentPage(start.toInt());
+        QScrollBar *list = root.systemViewController()->tableView()->verticalScrollBar();
+        list->setValue(0);
+        for (const QString &input : inputs.split(u' ')) {
+            if (input == u"click") {
+                QTest::mouseClick(root.childAt(160, 200), Qt::LeftButton);
+                continue;
+            }
+            if (!input.contains(u':')) {
+                QTest::keyClick(root.focusWidget(), QKeySequence::fromString(input)[0].key());
+                continue;
+            }
+            const QPointF at = input.startsWith(u"title") ? QPointF(200, 10) : QPointF(160, 300);
+            const QStringList d = input.section(u':', 1).split(u',');
+            QWheelEvent wheel(at, root.mapToGlobal(at), QPoint(), QPoint(d[0].toInt(), d[1].toInt()), Qt::NoButton,
+                              input.startsWith(u"shift") ? Qt::ShiftModifier : Qt::NoModifier, Qt::NoScrollPhase, false);
+            QSpontaneKeyEvent::setSpontaneous(&wheel); // from the window system, into the window
+            qApp->notify(root.windowHandle(), &wheel);
+        }
+        QCOMPARE(pager->targetPage(), page.toInt());
+        QTRY_COMPARE(marked(), page);
+        QTRY_COMPARE(pager->contentOffset().x(), page.toInt() * 320.0);
+        QCOMPARE(QString::fromLatin1(list->value() > 0 ? "yes" : "no"), scrolled);
     }
 };
 
