@@ -237,9 +237,22 @@ void GADBannerView::Private::deliver(bool arrival, const GADRequestError &error)
         Qt::QueuedConnection);
 }
 
+namespace {
+QUrl &serverUrlInUse()
+{
+    static QUrl url(QStringLiteral(KOVAR_AD_SERVER_URL));
+    return url;
+}
+} // namespace
+
 QUrl GADBannerView::configuredServerUrl()
 {
-    return QUrl(QStringLiteral(KOVAR_AD_SERVER_URL));
+    return serverUrlInUse();
+}
+
+void GADBannerView::setConfiguredServerUrl(const QUrl &serverUrl)
+{
+    serverUrlInUse() = serverUrl;
 }
 
 QString GADBannerView::configuredAdUnitID()

@@ -36,8 +36,10 @@ public:
         int msPerSecond = 1000;       // what one second of the refresh schedule lasts
     };
 
-    // The build's ad server (empty: none, so no traffic at all) and ad unit identifier.
+    // The ad server (empty: none, so no traffic at all): the build's, unless one was chosen
+    // at run time in its place; and the build's ad unit identifier.
     static QUrl configuredServerUrl();
+    static void setConfiguredServerUrl(const QUrl &serverUrl);
     static QString configuredAdUnitID();
 
     explicit GADBannerView(const QRect &frame, QWidget *parent = nullptr);

@@ -1,5 +1,7 @@
 #include "LaunchOptions.h"
 
+#include "BoundedFetch.h"
+
 #include <QCommandLineParser>
 
 namespace {
@@ -18,19 +20,23 @@ struct Parser {
     QCommandLineOption idiomOption{QStringLiteral("idiom"),
                                    QStringLiteral("Layout to use: phone or tablet (default: by screen size)."),
                                    QStringLiteral("phone|tablet")};
+    QCommandLineOption adServerOption{QStringLiteral("ad-server"),
+                                      QStringLiteral("Ask this ad server for banners instead of the build's "
+                                                     "(also the environment variable KOVAR_AD_SERVER)."),
+                                      QStringLiteral("URL")};
 
     Parser()
     {
         parser.setApplicationDescription(
             QStringLiteral("KOVAR shows what this device is doing: CPU, memory, disk, battery, "
                            "processes, system and network information."));
-        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption});
+        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption});
     }
 };
 
 } // namespace
 
-LaunchOptions LaunchOptions::parse(const QStringList &arguments)
+LaunchOptions LaunchOptions::parse(const QStringList &arguments, const QProcessEnvironment &environment)
 {
     Parser p;
     LaunchOptions options;
@@ -56,6 +62,25 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments)
             options.idiom = Idiom::Tablet;
         else
             options.error = QStringLiteral("Unknown idiom \"%1\": use phone or tablet").arg(idiom);
+    }
+
+    const QString variable = environment.value(QStringLiteral("KOVAR_AD_SERVER"));
+    const bool adServerOption = p.parser.isSet(p.adServerOption);
+    if (adServerOption || !variable.isEmpty()) {
+        const QString text = adServerOption ? p.parser.value(p.adServerOption) : variable;
+        const QUrl url(text, QUrl::StrictMode);
+        if (BoundedFetch::isWebUrl(url))
+            options.adServer = url;
+        else if (options.error.isEmpty())
+            options.error = QStringLiteral("%1 \"%2\" is not an http or https address with a host")
+                                .arg(adServerOption ? QStringLiteral("--ad-server") : QStringLiteral("KOVAR_AD_SERVER"), text);
+    }
+
+    // The snapshot shows no screen: a layout, screenshots or banners asked for with it would be ignored.
+    for (const QCommandLineOption *screenOnly : {&p.screenshotOption, &p.idiomOption, &p.adServerOption}) {
+        if (options.snapshot && p.parser.isSet(*screenOnly) && options.error.isEmpty())
+            options.error = QStringLiteral("--snapshot shows no screen, so it cannot go with --%1")
+                                .arg(screenOnly->names().first());
     }
     return options;
 }

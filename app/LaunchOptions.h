@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
 // What the command line asked for. Parsed before any application object exists,
 // so that --snapshot and --help never need a display.
@@ -9,13 +11,16 @@ class LaunchOptions {
 public:
     enum class Idiom { Automatic, Phone, Tablet };
 
-    static LaunchOptions parse(const QStringList &arguments);
+    // The environment supplies KOVAR_AD_SERVER; --ad-server wins over it.
+    static LaunchOptions parse(const QStringList &arguments,
+                               const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
 
     bool help = false;
     bool version = false;
     bool snapshot = false;
     QString screenshotDir;        // empty: no screenshot run
     Idiom idiom = Idiom::Automatic;
+    QUrl adServer;                // empty: the build's ad server
     QString error;                // non-empty when the arguments made no sense
 
     static QString helpText();

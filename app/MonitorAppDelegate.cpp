@@ -1,15 +1,21 @@
 #include "MonitorAppDelegate.h"
 
 #include "Device.h"
+#include "GADBannerView.h"
 #include "LaunchOptions.h"
 #include "MonitorAppDelegate_iPad.h"
 #include "MonitorAppDelegate_iPhone.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QPalette>
+#include <QShortcut>
 #include <QWidget>
+
+#include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -31,6 +37,10 @@ MonitorAppDelegate::MonitorAppDelegate(QSize windowSize, Device *device, QObject
 {
     m_window->setWindowTitle(QStringLiteral("KOVAR"));
     m_window->setWindowIcon(QIcon(QStringLiteral(":/icons/kovar.svg")));
+    // Linux's Quit key, named outright: platform themes without a key scheme have no Quit.
+    auto *quit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), m_window.get());
+    quit->setContext(Qt::ApplicationShortcut);
+    connect(quit, &QShortcut::activated, m_window.get(), &QWidget::close);
     // Portrait only: whatever the window manager tries, the device screen keeps its shape.
     m_window->setFixedSize(windowSize);
     makeOpaque(m_window.get(), Qt::black);
@@ -49,6 +59,8 @@ MonitorAppDelegate::MonitorAppDelegate(QSize windowSize, Device *device, QObject
 
 MonitorAppDelegate::~MonitorAppDelegate()
 {
+    if (m_application)
+        m_application->removeNativeEventFilter(this);
     m_window->removeEventFilter(this);
 }
 
@@ -77,9 +89,14 @@ QWidget *MonitorAppDelegate::rootView() const
 
 bool MonitorAppDelegate::application(QGuiApplication *application, const LaunchOptions &didFinishLaunchingWithOptions)
 {
-    Q_UNUSED(didFinishLaunchingWithOptions);
+    // Before the root screen is built: its banner asks the ad server as it is made.
+    if (!didFinishLaunchingWithOptions.adServer.isEmpty())
+        GADBannerView::setConfiguredServerUrl(didFinishLaunchingWithOptions.adServer);
     if (application && application != m_application) {
+        if (m_application)
+            m_application->removeNativeEventFilter(this);
         m_application = application;
+        application->installNativeEventFilter(this);
         connect(application, &QGuiApplication::applicationStateChanged,
                 this, &MonitorAppDelegate::applicationStateDidChange);
         connect(application, &QCoreApplication::aboutToQuit, this, [this] {
@@ -170,4 +187,21 @@ bool MonitorAppDelegate::eventFilter(QObject *watched, QEvent *event)
         }
     }
     return QObject::eventFilter(watched, event);
+}
+
+bool MonitorAppDelegate::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)
+{
+    // The X protocol's DestroyNotify: event code 17 (the top bit marks a sent event), the
+    // destroyed window's id at byte 8. Every X event arrives as 32 bytes.
+    constexpr std::uint8_t DestroyNotify = 17;
+    if (eventType != "xcb_generic_event_t" || !message)
+        return false;
+    const auto *bytes = static_cast<const std::uint8_t *>(message);
+    if ((bytes[0] & 0x7f) != DestroyNotify)
+        return false;
+    std::uint32_t destroyed = 0;
+    std::memcpy(&destroyed, bytes + 8, sizeof destroyed);
+    if (destroyed != 0 && destroyed == m_window->internalWinId())
+        QMetaObject::invokeMethod(m_window.get(), &QWidget::close, Qt::QueuedConnection);
+    return false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAbstractNativeEventFilter>
 #include <QObject>
 #include <QSize>
 
@@ -15,8 +16,9 @@ class QWidget;
 // The application delegate: owns the window (a band standing for the opaque black
 // status bar, and the root view under it), switches battery monitoring on while the
 // application is active and off while it is hidden or minimised. The idiom's subclass
-// installs the root screen.
-class MonitorAppDelegate : public QObject
+// installs the root screen. Ctrl+Q closes the window, and so does the window system
+// destroying it; the application ends when its window closes.
+class MonitorAppDelegate : public QObject, public QAbstractNativeEventFilter
 {
     Q_OBJECT
 
@@ -34,7 +36,8 @@ public:
     QWidget *statusBar() const;
     QWidget *rootView() const;          // the area under the status bar
 
-    // Launch: battery monitoring on, window shown. Returns true.
+    // Launch: the ad server asked for on the command line, battery monitoring on, window
+    // shown. Returns true.
     virtual bool application(QGuiApplication *application, const LaunchOptions &didFinishLaunchingWithOptions);
 
     void applicationWillResignActive(QGuiApplication *application);
@@ -42,6 +45,9 @@ public:
     void applicationWillEnterForeground(QGuiApplication *application);
     void applicationDidBecomeActive(QGuiApplication *application);
     void applicationWillTerminate(QGuiApplication *application);
+
+    // Another X client may destroy the window: that closes it too.
+    bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
 
 public Q_SLOTS:
     // Fed by QGuiApplication::applicationStateChanged; a minimised window counts as hidden.

@@ -1,9 +1,11 @@
 #include "LaunchIdiom.h"
 #include "LaunchOptions.h"
 #include "MonitorAppDelegate.h"
+#include "PlatformStart.h"
 #include "ScreenshotRunner.h"
 #include "StatCore.h"
 #include "StatSnapshot.h"
+#include "TerminationSignals.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -11,6 +13,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <memory>
 
 int main(int argc, char *argv[])
 {
@@ -25,7 +28,7 @@ int main(int argc, char *argv[])
     const LaunchOptions options = LaunchOptions::parse(arguments);
 
     if (!options.error.isEmpty()) {
-        std::fprintf(stderr, "kovar: %s\n%s", qPrintable(options.error), qPrintable(LaunchOptions::helpText()));
+        std::fprintf(stderr, "kovar: %s\nTry \"kovar --help\" for the options.\n", qPrintable(options.error));
         return 2;
     }
     if (options.help) {
@@ -48,7 +51,8 @@ int main(int argc, char *argv[])
     const bool screenshot = !options.screenshotDir.isEmpty();
     if (screenshot)
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
+    const std::unique_ptr<QApplication> application = PlatformStart::open(argc, argv);
+    QApplication &app = *application;
     const QSize screen = app.primaryScreen() ? app.primaryScreen()->availableSize() : QSize();
     // Screenshots show the phone layout unless a layout is asked for.
     const LaunchIdiom::Kind idiom = LaunchIdiom::choose(
@@ -58,5 +62,6 @@ int main(int argc, char *argv[])
     delegate->application(&app, options);
     if (screenshot)
         return ScreenshotRunner::run(delegate.get(), options.screenshotDir);
+    const TerminationSignals endOnSignal;
     return app.exec();
 }

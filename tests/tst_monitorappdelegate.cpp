@@ -1,10 +1,18 @@
+#include "ADControl.h"
+#include "ADControlForiPad.h"
 #include "Device.h"
 #include "FixtureTree.h"
+#include "GADBannerView.h"
 #include "MonitorAppDelegate_iPad.h"
+#include "TerminationSignals.h"
 #include "iPadRootViewController.h"
 #include "iPhoneRootViewController.h"
 
 #include <QtWidgets>
+
+#include <array>
+#include <csignal>
+#include <cstring>
 
 namespace {
 
@@ -27,14 +35,19 @@ class TestMonitorAppDelegate : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void commandLine_data() { FixtureTree::addRows("app-tables/app-command-line.tsv", {"arguments", "idiom", "verdict"}); }
+    void commandLine_data() { FixtureTree::addRows("app-tables/app-command-line.tsv", {"arguments", "variable", "idiom", "adServer", "verdict"}); }
     void commandLine()
     {
         QFETCH(QString, arguments);
+        QFETCH(QString, variable);
         QFETCH(QString, idiom);
+        QFETCH(QString, adServer);
         QFETCH(QString, verdict);
-        const LaunchOptions options = LaunchOptions::parse(QStringList{"kovar"} + arguments.split(u' ', Qt::SkipEmptyParts));
+        QProcessEnvironment environment;
+        environment.insert(QStringLiteral("KOVAR_AD_SERVER"), variable);
+        const LaunchOptions options = LaunchOptions::parse(QStringList{"kovar"} + arguments.split(u' ', Qt::SkipEmptyParts), environment);
         QCOMPARE(options.idiom, ::idiom(idiom));
+        QCOMPARE(options.adServer.toString(), adServer);
         QCOMPARE(QString::fromLatin1(options.error.isEmpty() ? "accepted" : "refused"), verdict);
     }
 
@@ -63,9 +76,13 @@ private Q_SLOTS:
         const bool tablet = window.width() >= LaunchIdiom::tabletMinimumSide;
         const auto delegate = MonitorAppDelegate::create(tablet ? LaunchIdiom::Kind::Tablet : LaunchIdiom::Kind::Phone,
                                                          window, &device);
-        QVERIFY(delegate->application(qApp, LaunchOptions()));
+        LaunchOptions options; // an ad server that refuses at once, on this machine
+        options.adServer = QUrl(QStringLiteral("http://127.0.0.1:1/ads"));
+        QVERIFY(delegate->application(qApp, options));
         QVERIFY(delegate->window()->isVisible() && device.isBatteryMonitoringEnabled());
-        delegate->application(qApp, LaunchOptions()); // a launch message arriving twice stacks nothing
+        delegate->application(qApp, options); // a launch message arriving twice stacks nothing
+        const ADControlBase *banners = tablet ? static_cast<ADControlBase *>(ADControlForiPad::defaultsADForiPad()) : ADControl::defaultsAD();
+        QCOMPARE(banners->adMobBanner()->serverUrl(), options.adServer);
 
         const QList<QWidget *> roots = delegate->rootView()->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
         QCOMPARE(roots.size(), 1);
@@ -101,6 +118,49 @@ private Q_SLOTS:
             seen += device.isBatteryMonitoringEnabled() ? u'1' : u'0';
         }
         QCOMPARE(seen, monitoring);
+    }
+
+    // What happens to the window: Ctrl+Q, or an X event ("X <code> <whose window>") that
+    // another client caused; the application ends when its window closes.
+    void windowCloses_data() { FixtureTree::addRows("app-tables/app-window-closes.tsv", {"event", "window"}); }
+    void windowCloses()
+    {
+        QFETCH(QString, event);
+        QFETCH(QString, window);
+        Device device(laptop);
+        MonitorAppDelegate delegate(QSize(320, 480), &device);
+        delegate.application(qApp, LaunchOptions());
+        if (event == u"Ctrl+Q") {
+            delegate.window()->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(delegate.window()));
+            QTest::keyClick(delegate.window(), Qt::Key_Q, Qt::ControlModifier);
+        } else {
+            const QStringList x = event.split(u' ');
+            std::array<quint8, 32> bytes{quint8(x[1].toUInt())};
+            const quint32 id = quint32(delegate.window()->winId()) + (x[2] == u"ours" ? 0 : 1);
+            std::memcpy(bytes.data() + 8, &id, sizeof id);
+            qintptr result = 0;
+            QAbstractEventDispatcher::instance()->filterNativeEvent("xcb_generic_event_t", bytes.data(), &result);
+        }
+        QCoreApplication::processEvents();
+        QCOMPARE(QString::fromLatin1(delegate.window()->isVisible() ? "open" : "closed"), window);
+    }
+
+    void signalEndsEventLoop_data()
+    {
+        QTest::addColumn<int>("signalNumber");
+        QTest::newRow("SIGTERM") << SIGTERM;
+        QTest::newRow("SIGINT, as Ctrl+C sends") << SIGINT;
+    }
+    void signalEndsEventLoop()
+    {
+        QFETCH(int, signalNumber);
+        const TerminationSignals ending;
+        QTimer::singleShot(0, [signalNumber] { std::raise(signalNumber); });
+        QTimer stuck; // bounds the wait for a loop that the signal failed to end
+        stuck.callOnTimeout([] { QCoreApplication::exit(1); });
+        stuck.start(5000);
+        QCOMPARE(QCoreApplication::exec(), 0); // as a quit ends it, for the same teardown
     }
 };
 

@@ -1,0 +1,66 @@
+#include "TerminationSignals.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+
+#include <cerrno>
+#include <csignal>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+int wakeFds[2] = {-1, -1}; // [0] written by the handler, [1] read by the event loop
+constexpr int Handled[] = {SIGTERM, SIGINT};
+
+void setDisposition(void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    for (int signalNumber : Handled)
+        sigaction(signalNumber, &action, nullptr);
+}
+
+extern "C" void onTerminationSignal(int signalNumber)
+{
+    const int savedErrno = errno;
+    setDisposition(SIG_DFL);
+    const char byte = char(signalNumber);
+    if (::write(wakeFds[0], &byte, 1) < 0) {
+        // Nothing to be done inside a signal handler; the default disposition is back.
+    }
+    errno = savedErrno;
+}
+
+} // namespace
+
+TerminationSignals::TerminationSignals(QObject *parent)
+    : QObject(parent)
+{
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, wakeFds) != 0)
+        return;
+    m_notifier = new QSocketNotifier(wakeFds[1], QSocketNotifier::Read, this);
+    connect(m_notifier, &QSocketNotifier::activated, this, &TerminationSignals::readSignal);
+    setDisposition(onTerminationSignal);
+}
+
+TerminationSignals::~TerminationSignals()
+{
+    setDisposition(SIG_DFL);
+    delete m_notifier;
+    for (int &fd : wakeFds) {
+        if (fd >= 0)
+            ::close(fd);
+        fd = -1;
+    }
+}
+
+void TerminationSignals::readSignal()
+{
+    char byte = 0;
+    if (::read(wakeFds[1], &byte, 1) == 1)
+        QCoreApplication::quit();
+}

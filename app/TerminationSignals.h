@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QObject>
+
+class QSocketNotifier;
+
+// SIGTERM and SIGINT end the event loop as a quit does, so the application tears down
+// and exits 0 as when its window closes. The handler only writes the signal's number
+// to a socket that the event loop watches. A second signal, once the first is on its
+// way, ends the process at once: the dispositions are back to the default by then.
+class TerminationSignals : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TerminationSignals(QObject *parent = nullptr);
+    ~TerminationSignals() override;
+
+private:
+    void readSignal();
+
+    QSocketNotifier *m_notifier = nullptr;
+};
