@@ -83,6 +83,7 @@ private Q_SLOTS:
         delegate->application(qApp, options); // a launch message arriving twice stacks nothing
         const ADControlBase *banners = tablet ? static_cast<ADControlBase *>(ADControlForiPad::defaultsADForiPad()) : ADControl::defaultsAD();
         QCOMPARE(banners->adMobBanner()->serverUrl(), options.adServer);
+        QVERIFY(!delegate->window()->windowIcon().pixmap(32).isNull());
 
         const QList<QWidget *> roots = delegate->rootView()->findChildren<QWidget *>(Qt::FindDirectChildrenOnly);
         QCOMPARE(roots.size(), 1);
