@@ -122,9 +122,9 @@ std::optional<ProcReader::CpuTicks> ProcReader::parseCpuLine(const char *text, q
     // user time, or a busy machine would read as idle. Guest time is already inside
     // user; steal is time this machine did not get, so it is left out.
     CpuTicks ticks;
-    ticks.user = quint32(field[0] + field[1]);
-    ticks.system = quint32(field[2] + field[5] + field[6]);
-    ticks.idle = quint32(field[3] + field[4]);
+    ticks.user = field[0] + field[1];
+    ticks.system = field[2] + field[5] + field[6];
+    ticks.idle = field[3] + field[4];
     return ticks;
 }
 

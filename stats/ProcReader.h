@@ -11,14 +11,13 @@
 // (or leaves a field unset) instead of guessing when a file is missing or garbled.
 class ProcReader {
 public:
-    // Cumulative ticks of /proc/stat's first line, folded into four classes and cut
-    // to 32 bits: callers difference them in unsigned 32-bit arithmetic. Nice ticks
-    // are part of user; nice itself stays 0.
+    // Cumulative ticks since boot of /proc/stat's first line, folded into four classes.
+    // Nice ticks are part of user; nice itself stays 0.
     struct CpuTicks {
-        quint32 user = 0;
-        quint32 system = 0;
-        quint32 idle = 0;
-        quint32 nice = 0;
+        quint64 user = 0;
+        quint64 system = 0;
+        quint64 idle = 0;
+        quint64 nice = 0;
     };
 
     // The /proc/meminfo lines that the memory figures need, in kB.
