@@ -122,9 +122,11 @@ CpuUsageData StatCore::cpuUsage()
         m_cpuLoad = *ticks;
 
     CpuUsageData data;
-    data.user = m_cpuLoad.user - m_prevCpuLoad.user;
-    data.system = m_cpuLoad.system - m_prevCpuLoad.system;
-    data.idle = m_cpuLoad.idle - m_prevCpuLoad.idle;
+    // The interval's ticks, cut to 32 bits as the figures are (a counter that went
+    // back, as a garbled file can make it, wraps rather than traps).
+    data.user = quint32(m_cpuLoad.user - m_prevCpuLoad.user);
+    data.system = quint32(m_cpuLoad.system - m_prevCpuLoad.system);
+    data.idle = quint32(m_cpuLoad.idle - m_prevCpuLoad.idle);
     // Niced work is already inside user (see ProcReader::CpuTicks).
     const quint32 busy = data.user + data.system;
     const quint32 total = busy + data.idle;
@@ -253,6 +255,14 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
         return it->seenInScan != m_scan;
     });
     return records;
+}
+
+std::optional<qsizetype> StatCore::processCount() const
+{
+    const std::optional<QList<int>> pids = m_reader.pids();
+    if (!pids || pids->isEmpty())
+        return std::nullopt;
+    return pids->size();
 }
 
 InfoDictionary StatCore::systemInfo() const

@@ -45,11 +45,18 @@ public:
 
     // Ticks since the previous call (or since construction); replaces the stored sample.
     CpuUsageData cpuUsage();
+    // Ticks since boot, for counters that their reader differences itself (the
+    // metrics endpoint); leaves the stored sample alone. nullopt when unreadable.
+    std::optional<ProcReader::CpuTicks> cpuTicksSinceBoot() const { return m_reader.cpuTicks(); }
+    long clockTicksPerSecond() const { return m_clockTicks; }
     MemoryUsageData memoryUsage() const;
     DiskUsageData diskUsage() const;
     // Every process in ascending pid order, oldest first; nullopt when the
     // process table cannot be read or holds no process.
     std::optional<QList<ProcessRecord>> runningProcesses();
+    // How many processes there are, without reading their files; nullopt when the
+    // process table cannot be read.
+    std::optional<qsizetype> processCount() const;
     // Start-time texts kept: one per process of the last scan, none for the dead.
     qsizetype startTimeCacheSize() const { return m_startTimes.size(); }
 
