@@ -3,6 +3,7 @@
 #include "BoundedFetch.h"
 
 #include <QCommandLineParser>
+#include <QHostAddress>
 
 namespace {
 
@@ -24,15 +25,45 @@ struct Parser {
                                       QStringLiteral("Ask this ad server for banners instead of the build's "
                                                      "(also the environment variable KOVAR_AD_SERVER)."),
                                       QStringLiteral("URL")};
+    QCommandLineOption metricsOption{QStringLiteral("serve-metrics"),
+                                     QStringLiteral("Open no window; serve the figures to Prometheus at "
+                                                    "http://ADDRESS:PORT/metrics (ADDRESS defaults to 127.0.0.1; "
+                                                    "PORT 0 takes a free port)."),
+                                     QStringLiteral("[ADDRESS:]PORT")};
 
     Parser()
     {
         parser.setApplicationDescription(
             QStringLiteral("KOVAR shows what this device is doing: CPU, memory, disk, battery, "
                            "processes, system and network information."));
-        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption});
+        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption,
+                           metricsOption});
     }
 };
+
+// "[ADDRESS:]PORT", an IPv6 address in brackets ("[::1]:9100"); false when it is not one.
+bool parseListenAddress(const QString &text, QString &address, quint16 &port)
+{
+    QString host = QStringLiteral("127.0.0.1");
+    QString portText = text;
+    if (const qsizetype colon = text.lastIndexOf(u':'); colon >= 0) {
+        host = text.left(colon);
+        portText = text.mid(colon + 1);
+        if (host.startsWith(u'[') && host.endsWith(u']'))
+            host = host.mid(1, host.size() - 2);
+        else if (host.contains(u':'))
+            return false; // an IPv6 address needs its brackets, or its last group reads as the port
+        if (QHostAddress(host).isNull())
+            return false;
+    }
+    bool ok = false;
+    const uint number = portText.toUInt(&ok);
+    if (!ok || number > 65535 || portText.startsWith(u'+'))
+        return false;
+    address = host;
+    port = quint16(number);
+    return true;
+}
 
 } // namespace
 
@@ -76,11 +107,24 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments, const QProcessE
                                 .arg(adServerOption ? QStringLiteral("--ad-server") : QStringLiteral("KOVAR_AD_SERVER"), text);
     }
 
-    // The snapshot shows no screen: a layout, screenshots or banners asked for with it would be ignored.
-    for (const QCommandLineOption *screenOnly : {&p.screenshotOption, &p.idiomOption, &p.adServerOption}) {
-        if (options.snapshot && p.parser.isSet(*screenOnly) && options.error.isEmpty())
-            options.error = QStringLiteral("--snapshot shows no screen, so it cannot go with --%1")
-                                .arg(screenOnly->names().first());
+    if (p.parser.isSet(p.metricsOption)) {
+        const QString text = p.parser.value(p.metricsOption);
+        options.serveMetrics = parseListenAddress(text, options.metricsAddress, options.metricsPort);
+        if (!options.serveMetrics && options.error.isEmpty())
+            options.error = QStringLiteral("--serve-metrics \"%1\" is not [ADDRESS:]PORT, such as 9877 or "
+                                           "192.0.2.7:9877").arg(text);
+    }
+
+    // The snapshot shows no screen, nor does the metrics endpoint: a layout, screenshots or banners asked
+    // for with either would be ignored.
+    if (options.snapshot && options.serveMetrics && options.error.isEmpty())
+        options.error = QStringLiteral("--snapshot prints once and --serve-metrics serves until stopped: choose one");
+    for (const QCommandLineOption *windowless : {&p.snapshotOption, &p.metricsOption}) {
+        for (const QCommandLineOption *screenOnly : {&p.screenshotOption, &p.idiomOption, &p.adServerOption}) {
+            if (p.parser.isSet(*windowless) && p.parser.isSet(*screenOnly) && options.error.isEmpty())
+                options.error = QStringLiteral("--%1 shows no screen, so it cannot go with --%2")
+                                    .arg(windowless->names().first(), screenOnly->names().first());
+        }
     }
     return options;
 }

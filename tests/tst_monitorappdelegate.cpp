@@ -35,7 +35,7 @@ class TestMonitorAppDelegate : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void commandLine_data() { FixtureTree::addRows("app-tables/app-command-line.tsv", {"arguments", "variable", "idiom", "adServer", "verdict"}); }
+    void commandLine_data() { FixtureTree::addRows("app-tables/app-command-line.tsv", {"arguments", "variable", "idiom", "adServer", "verdict", "metrics"}); }
     void commandLine()
     {
         QFETCH(QString, arguments);
@@ -43,12 +43,15 @@ private Q_SLOTS:
         QFETCH(QString, idiom);
         QFETCH(QString, adServer);
         QFETCH(QString, verdict);
+        QFETCH(QString, metrics);
         QProcessEnvironment environment;
         environment.insert(QStringLiteral("KOVAR_AD_SERVER"), variable);
         const LaunchOptions options = LaunchOptions::parse(QStringList{"kovar"} + arguments.split(u' ', Qt::SkipEmptyParts), environment);
         QCOMPARE(options.idiom, ::idiom(idiom));
         QCOMPARE(options.adServer.toString(), adServer);
         QCOMPARE(QString::fromLatin1(options.error.isEmpty() ? "accepted" : "refused"), verdict);
+        QCOMPARE(options.serveMetrics ? options.metricsAddress + u' ' + QString::number(options.metricsPort) : QString(),
+                 metrics);
     }
 
     void idiomAndWindow_data() { FixtureTree::addRows("app-tables/app-idiom.tsv", {"requested", "screen", "kind", "window"}); }
