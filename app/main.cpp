@@ -1,14 +1,17 @@
 #include "LaunchIdiom.h"
 #include "LaunchOptions.h"
+#include "MetricsServer.h"
 #include "MonitorAppDelegate.h"
 #include "PlatformStart.h"
 #include "ScreenshotRunner.h"
+#include "Device.h"
 #include "StatCore.h"
 #include "StatSnapshot.h"
 #include "TerminationSignals.h"
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QHostAddress>
 #include <QScreen>
 
 #include <chrono>
@@ -46,6 +49,22 @@ int main(int argc, char *argv[])
         const QByteArray json = StatSnapshot::toJson(StatSnapshot::capture(*StatCore::shared(), std::chrono::seconds(1)));
         std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
         return 0;
+    }
+
+    if (options.serveMetrics) {
+        // No display either: the endpoint samples the same counters for every scrape.
+        QCoreApplication app(argc, argv);
+        MetricsServer server(*StatCore::shared(), Device::currentDevice());
+        if (!server.start(QHostAddress(options.metricsAddress), options.metricsPort)) {
+            std::fprintf(stderr, "kovar: cannot serve metrics on %s port %u: %s\n", qPrintable(options.metricsAddress),
+                         unsigned(options.metricsPort), qPrintable(server.errorString()));
+            return 1;
+        }
+        // Scripts and tests that asked for port 0 learn the port from this line.
+        std::printf("kovar: serving metrics at http://%s/metrics\n", qPrintable(server.target()));
+        std::fflush(stdout);
+        const TerminationSignals endOnSignal;
+        return app.exec();
     }
 
     const bool screenshot = !options.screenshotDir.isEmpty();

@@ -1,0 +1,116 @@
+#include "MetricsListener.h"
+
+#include <QMetaMethod>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <unistd.h>
+
+namespace {
+
+// A socket that tells whether anything has been written to it since the last look,
+// and whether anyone still reads it: the HTTP server disconnects every signal of a
+// socket whose request it could not parse, and leaves it open.
+class WatchedSocket : public QTcpSocket
+{
+public:
+    using QTcpSocket::QTcpSocket;
+
+    qint64 written() const { return m_written; }
+
+    bool abandoned() const { return !isSignalConnected(QMetaMethod::fromSignal(&QIODevice::readyRead)); }
+
+protected:
+    qint64 writeData(const char *data, qint64 size) override
+    {
+        const qint64 done = QTcpSocket::writeData(data, size);
+        if (done > 0)
+            m_written += done;
+        return done;
+    }
+
+private:
+    qint64 m_written = 0;
+};
+
+} // namespace
+
+struct MetricsListener::Connection {
+    QPointer<WatchedSocket> socket;
+    qint64 written = 0;       // bytes answered by the last sweep
+    qint64 lastAnswer = 0;    // ms on the clock: connected, or answered last
+    qint64 requestSince = -1; // ms on the clock when a partial request was first seen
+};
+
+MetricsListener::MetricsListener(QObject *parent) : MetricsListener(Limits{}, parent) {}
+
+MetricsListener::MetricsListener(Limits limits, QObject *parent)
+    : QTcpServer(parent)
+    , m_limits(limits)
+    , m_sweep(new QTimer(this))
+{
+    m_clock.start();
+    m_sweep->setInterval(m_limits.sweepMs);
+    connect(m_sweep, &QTimer::timeout, this, &MetricsListener::sweep);
+}
+
+MetricsListener::~MetricsListener() = default;
+
+int MetricsListener::openConnections() const
+{
+    int open = 0;
+    for (const Connection &connection : m_connections)
+        open += connection.socket ? 1 : 0;
+    return open;
+}
+
+void MetricsListener::incomingConnection(qintptr descriptor)
+{
+    m_connections.removeIf([](const Connection &connection) { return !connection.socket; });
+    if (m_connections.size() >= m_limits.maxConnections) {
+        ::close(int(descriptor)); // a scraper that finds no room tries again at its next interval
+        return;
+    }
+    auto *socket = new WatchedSocket(this);
+    if (!socket->setSocketDescriptor(descriptor)) {
+        delete socket;
+        return;
+    }
+    // The HTTP server keeps every byte of a request until it is whole; past this the
+    // rest waits in the kernel, and the request deadline ends it.
+    socket->setReadBufferSize(m_limits.requestBytes);
+    m_connections.append({socket, 0, m_clock.elapsed(), -1});
+    addPendingConnection(socket);
+    if (!m_sweep->isActive())
+        m_sweep->start();
+}
+
+void MetricsListener::sweep()
+{
+    const qint64 now = m_clock.elapsed();
+    for (Connection &connection : m_connections) {
+        WatchedSocket *socket = connection.socket;
+        if (!socket)
+            continue;
+        if (socket->written() != connection.written) {
+            connection.written = socket->written();
+            connection.lastAnswer = now;
+            connection.requestSince = -1;
+        }
+        // The server reads a request inside a transaction that it commits once the request is whole.
+        if (!socket->isTransactionStarted())
+            connection.requestSince = -1;
+        else if (connection.requestSince < 0)
+            connection.requestSince = now;
+        const bool overdue = connection.requestSince >= 0 && now - connection.requestSince >= m_limits.requestMs;
+        const bool idle = connection.requestSince < 0 && now - connection.lastAnswer >= m_limits.idleMs;
+        if (overdue || idle || socket->abandoned() || socket->state() != QAbstractSocket::ConnectedState) {
+            socket->abort();
+            socket->deleteLater();
+            connection.socket.clear();
+        }
+    }
+    m_connections.removeIf([](const Connection &connection) { return !connection.socket; });
+    if (m_connections.isEmpty())
+        m_sweep->stop();
+}

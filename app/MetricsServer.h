@@ -1,0 +1,52 @@
+#pragma once
+
+#include "MetricsExposition.h"
+
+#include <QAbstractHttpServer>
+#include <QByteArray>
+#include <QElapsedTimer>
+#include <QHostAddress>
+#include <QPointer>
+
+class Device;
+class MetricsListener;
+class StatCore;
+
+// kovar --serve-metrics: answers GET /metrics with the figures of the moment in the
+// format the scraper asks for, and GET / with a page that links there. Everything
+// runs on the main thread; a body is sampled at most once per half second and
+// format, so a crowd of scrapers costs no more than one.
+class MetricsServer : public QAbstractHttpServer
+{
+    Q_OBJECT
+
+public:
+    // device may be null: the battery then reads as unknown.
+    MetricsServer(StatCore &core, Device *device, QObject *parent = nullptr);
+    ~MetricsServer() override;
+
+    // Listens on address and port (0: any free one); false with errorString() when it cannot.
+    bool start(const QHostAddress &address, quint16 port);
+    QString errorString() const { return m_error; }
+    // Where the endpoint listens, as a scrape target: "127.0.0.1:9877", "[::1]:9877".
+    QString target() const;
+
+    MetricsListener *listener() const { return m_listener; }
+
+protected:
+    bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override;
+    void missingHandler(const QHttpServerRequest &request, QTcpSocket *socket) override;
+
+private:
+    const QByteArray &metrics(MetricsExposition::Format format);
+
+    StatCore &m_core;
+    QPointer<Device> m_device;
+    MetricsListener *m_listener = nullptr;
+    QString m_error;
+    struct CachedBody {
+        QByteArray body;
+        QElapsedTimer age;
+    };
+    CachedBody m_cache[2];
+};
