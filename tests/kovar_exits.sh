@@ -25,5 +25,6 @@ expect 1 "no display is set (neither DISPLAY nor WAYLAND_DISPLAY); without a dis
 expect 1 "display :4077 could not be opened" DISPLAY=:4077 QT_QPA_PLATFORM=xcb "$kovar" --idiom tablet
 expect 2 "kovar: --snapshot shows no screen, so it cannot go with --screenshot" "$kovar" --snapshot --screenshot out
 expect 2 "kovar: KOVAR_AD_SERVER \"localhost:8731\" is not an http or https address" KOVAR_AD_SERVER=localhost:8731 "$kovar"
+expect 1 "kovar: cannot serve metrics on 198.51.100.77 port 9877" "$kovar" --serve-metrics 198.51.100.77:9877
 expect 2 "kovar: --ad-server \"ftp://127.0.0.1/\" is not an http or https address" "$kovar" --ad-server ftp://127.0.0.1/
 exit $failed

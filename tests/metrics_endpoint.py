@@ -1,0 +1,225 @@
+#!/usr/bin/env python3
+"""kovar --serve-metrics from outside, on loop-back: its formats as promtool reads them, clients that
+misbehave, a real Prometheus scraping it and agreeing with kovar --snapshot, and SIGTERM.
+
+Usage: metrics_endpoint.py KOVAR"""
+import json, os, shutil, signal, socket, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
+
+KOVAR = sys.argv[1]
+failures = []
+
+
+def check(ok, what):
+    print(("PASS: " if ok else "FAIL: ") + what, flush=True)
+    if not ok:
+        failures.append(what)
+
+
+def until(condition, seconds):
+    """Polls condition every 0.1 s for at most seconds; its last answer."""
+    end = time.monotonic() + seconds
+    while True:
+        answer = condition()
+        if answer or time.monotonic() > end:
+            return answer
+        time.sleep(0.1)
+
+
+def http(port, path='/metrics', method='GET', accept=None, timeout=5):
+    """(status, headers, body) of one request on a connection of its own."""
+    request = urllib.request.Request(f'http://127.0.0.1:{port}{path}', method=method,
+                                     headers={'Accept': accept} if accept else {})
+    try:
+        with urllib.request.urlopen(request, timeout=timeout) as reply:
+            return reply.status, reply.headers, reply.read()
+    except urllib.error.HTTPError as error:
+        return error.code, error.headers, error.read()
+    except OSError as error:
+        return None, {}, str(error).encode()
+
+
+def rss_kib(pid):
+    with open(f'/proc/{pid}/status') as status:
+        return next(int(line.split()[1]) for line in status if line.startswith('VmRSS:'))
+
+
+def connect(port):
+    return socket.create_connection(('127.0.0.1', port), timeout=5)
+
+
+def closed_by_server(sock, seconds):
+    """True when the server closes sock within seconds (whatever it answered first)."""
+    sock.settimeout(seconds)
+    try:
+        while sock.recv(65536):
+            pass
+        return True
+    except ConnectionResetError:
+        return True
+    except OSError:
+        return False
+
+
+kovar = subprocess.Popen([KOVAR, '--serve-metrics', '127.0.0.1:0'], stdout=subprocess.PIPE, text=True)
+line = kovar.stdout.readline()
+port = int(line.rsplit(':', 1)[1].split('/')[0])
+check(line.startswith('kovar: serving metrics at http://127.0.0.1:'), f'kovar says where it serves: {line.strip()}')
+
+# The two formats, each as its reader wants it.
+status, headers, text = http(port, accept='*/*')
+check(status == 200 and headers['Content-Type'] == 'text/plain; version=0.0.4; charset=utf-8', 'text format by default')
+lint = subprocess.run(['promtool', 'check', 'metrics'], input=text, capture_output=True)
+check(lint.returncode == 0 and not lint.stdout.strip(),
+      'promtool check metrics finds nothing to say: ' + (lint.stdout + lint.stderr).decode().strip())
+for family in [b'kovar_cpu_seconds_total{mode="user"}', b'kovar_memory_bytes{class="free"}', b'kovar_processes ',
+               b'kovar_disk_available_bytes ', b'kovar_battery_state{state="unknown"}', b'kovar_device_info{']:
+    check(family in text, f'the text format has {family.decode()}')
+machine_id = open('/etc/machine-id', 'rb').read().strip() if os.path.exists('/etc/machine-id') else b''
+check(not machine_id or machine_id not in text, 'the machine id itself is never sent')
+status, headers, om = http(port, accept='application/openmetrics-text;version=1.0.0,text/plain;version=0.0.4;q=0.5')
+check(status == 200 and headers['Content-Type'].startswith('application/openmetrics-text; version=1.0.0')
+      and om.endswith(b'\n# EOF\n') and b'# TYPE kovar_cpu_seconds counter' in om, 'OpenMetrics when asked for')
+status, headers, body = http(port, method='HEAD')
+check(status == 200 and body == b'' and int(headers['Content-Length']) > 1000, 'HEAD: the length and no body')
+check(http(port, '/')[0] == 200 and b'href="/metrics"' in http(port, '/')[2], '/ links to /metrics')
+check(http(port, '/metrics', method='POST')[0] == 405, 'POST is refused')
+check(http(port, '/secret')[0] == 404, 'other paths are not found')
+
+# Clients that misbehave. Those that hold on are started first and checked last: the endpoint must close
+# them once their request is overdue; all the others must leave it serving the next scrape.
+rss_before = rss_kib(kovar.pid)
+started = time.monotonic()
+lingering = [connect(port) for _ in range(20)]  # slow clients that never finish their request
+for sock in lingering:
+    sock.sendall(b'GET /metr')
+
+
+def send_endlessly(sock, head, filler):
+    sock.settimeout(1)
+    try:
+        sock.sendall(head)
+        for _ in range(3200):  # 200 MiB; the endpoint stops reading long before
+            sock.sendall(filler * 65536)
+    except OSError:
+        pass
+
+
+for head, filler in [(b'POST /metrics HTTP/1.1\r\nHost: x\r\nContent-Length: 1000000000\r\n\r\n', b'b'),
+                     (b'GET /metrics HTTP/1.1\r\nX-Big: ', b'a')]:
+    lingering.append(connect(port))
+    threading.Thread(target=send_endlessly, args=(lingering[-1], head, filler), daemon=True).start()
+
+
+def crowd():
+    answers = []
+    threads = [threading.Thread(target=lambda: answers.append(http(port, timeout=20))) for _ in range(40)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    return len(answers) == 40 and all(a[0] == 200 and a[2].startswith(b'# HELP')
+                                      and int(a[1]['Content-Length']) == len(a[2]) for a in answers)
+
+
+def garbage():
+    sock = connect(port)
+    sock.sendall(b'\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03' + os.urandom(500) + b'\r\n\r\n')
+    return closed_by_server(sock, 5)
+
+
+def gone_mid_response():
+    for _ in range(300):
+        sock = connect(port)
+        sock.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b'\x01\x00\x00\x00\x00\x00\x00\x00')  # close sends RST
+        sock.sendall(b'GET /metrics HTTP/1.1\r\nHost: x\r\n\r\n' * 3)
+        sock.recv(10)
+        sock.close()
+    return True
+
+
+def too_many():
+    socks = [connect(port) for _ in range(150)]
+    time.sleep(1)
+    closed = 0
+    for sock in socks:
+        sock.setblocking(False)
+        try:
+            closed += sock.recv(1) == b''
+        except BlockingIOError:
+            pass
+        except ConnectionResetError:
+            closed += 1
+        sock.close()
+    return closed >= 150 - 64
+
+
+for name, case in [('40 scrapers at once', crowd),
+                   ('a TLS hello and noise', garbage), ('300 clients gone mid-response', gone_mid_response),
+                   ('150 connections held open', too_many)]:
+    outcome = case()
+    after = until(lambda: (answer := http(port))[0] == 200 and answer, 3) or (None, {}, b'')  # a scraper turned away comes back at its next interval
+    check(outcome and after[0] == 200 and after[2].startswith(b'# HELP'), f'{name}: handled, and the next scrape served')
+
+# A real Prometheus scrapes kovar every second; its answers agree with kovar --snapshot.
+data = tempfile.mkdtemp(prefix='kovar-prometheus-')
+probe = socket.socket()
+probe.bind(('127.0.0.1', 0))
+prometheus_port = probe.getsockname()[1]
+probe.close()
+with open(f'{data}/prometheus.yml', 'w') as config:
+    config.write('global:\n  scrape_interval: 1s\n  scrape_timeout: 1s\nscrape_configs:\n  - job_name: kovar\n'
+                 f'    static_configs:\n      - targets: ["127.0.0.1:{port}"]\n')
+prometheus = subprocess.Popen(['prometheus', f'--config.file={data}/prometheus.yml', f'--storage.tsdb.path={data}/tsdb',
+                               f'--web.listen-address=127.0.0.1:{prometheus_port}', '--log.level=warn'],
+                              stdout=subprocess.DEVNULL, stderr=open(f'{data}/log', 'w'))
+
+
+def query(expression, at=None):
+    """{labels: value} of an instant query; {} while Prometheus cannot answer."""
+    parameters = {'query': expression} | ({'time': f'{at:.3f}'} if at else {})
+    try:
+        with urllib.request.urlopen(f'http://127.0.0.1:{prometheus_port}/api/v1/query?'
+                                    + urllib.parse.urlencode(parameters), timeout=5) as reply:
+            result = json.load(reply)['data']['result']
+    except (OSError, ValueError, KeyError):
+        return {}
+    return {tuple(sorted(r['metric'].items())): float(r['value'][1]) for r in result}
+
+
+try:
+    up = until(lambda: list(query(f'up{{job="kovar",instance="127.0.0.1:{port}"}}').values()) == [1.0], 30)
+    check(up, 'Prometheus scrapes kovar: up is 1')
+    until(lambda: len(query('count_over_time(kovar_memory_physical_bytes[4s])')) and
+          list(query('count_over_time(kovar_memory_physical_bytes[4s])').values())[0] >= 3, 30)
+    snapshot = json.loads(subprocess.run([KOVAR, '--snapshot'], capture_output=True, check=True).stdout)
+    at = time.time()
+    time.sleep(1.5)  # the scrape after the snapshot
+    rates = {dict(k)['mode']: v for k, v in query('rate(kovar_cpu_seconds_total[2500ms])', at).items()}
+    cpu = snapshot['cpuUsage']
+    ticks = cpu['user'] + cpu['system'] + cpu['idle']
+    check(abs(sum(rates.values()) - ticks / 100) < 0.15 * ticks / 100,
+          f'CPU seconds per second, all modes: {sum(rates.values()):.2f} in Prometheus, {ticks / 100:.2f} in the snapshot')
+    busy = 100 * (rates.get('user', 0) + rates.get('system', 0)) / max(sum(rates.values()), 1e-9)
+    check(abs(busy - cpu['usage']) < 25, f'CPU busy: {busy:.1f} % in Prometheus, {cpu["usage"]:.1f} % in the snapshot')
+    memory = snapshot['memoryUsage']
+    gauges = {dict(k).get('class', 'physical'): v
+              for k, v in (query('kovar_memory_bytes', at) | query('kovar_memory_physical_bytes', at)).items()}
+    check(gauges.get('physical') == memory['physical'], f'physical memory: {gauges.get("physical")} and {memory["physical"]}')
+    for name in ['wired', 'active', 'inactive', 'free']:
+        check(abs(gauges.get(name, -1e18) - memory[name]) < 0.03 * memory['physical'],
+              f'{name} memory: {gauges.get(name)} in Prometheus, {memory[name]} in the snapshot')
+finally:
+    prometheus.send_signal(signal.SIGTERM)
+    prometheus.wait(20)
+    if failures:
+        sys.stdout.write(open(f'{data}/log').read())
+    shutil.rmtree(data, ignore_errors=True)
+
+check(all(closed_by_server(s, max(0.1, 12 - (time.monotonic() - started))) for s in lingering),
+      'slow requests, a 1 GB body and endless headers are cut off once overdue')
+growth = rss_kib(kovar.pid) - rss_before
+check(growth < 16 * 1024, f'memory stays flat through it all: {growth} KiB more')
+
+kovar.send_signal(signal.SIGTERM)
+check(kovar.wait(10) == 0, 'SIGTERM ends kovar with status 0')
+sys.exit(1 if failures else 0)
