@@ -1,6 +1,5 @@
 #include "MetricsListener.h"
 
-#include <QMetaMethod>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -8,17 +7,14 @@
 
 namespace {
 
-// A socket that tells whether anything has been written to it since the last look,
-// and whether anyone still reads it: the HTTP server disconnects every signal of a
-// socket whose request it could not parse, and leaves it open.
+// A socket that counts what has been written to it: a connection that has been
+// answered since the last look is making progress.
 class WatchedSocket : public QTcpSocket
 {
 public:
     using QTcpSocket::QTcpSocket;
 
     qint64 written() const { return m_written; }
-
-    bool abandoned() const { return !isSignalConnected(QMetaMethod::fromSignal(&QIODevice::readyRead)); }
 
 protected:
     qint64 writeData(const char *data, qint64 size) override
@@ -104,7 +100,7 @@ void MetricsListener::sweep()
             connection.requestSince = now;
         const bool overdue = connection.requestSince >= 0 && now - connection.requestSince >= m_limits.requestMs;
         const bool idle = connection.requestSince < 0 && now - connection.lastAnswer >= m_limits.idleMs;
-        if (overdue || idle || socket->abandoned() || socket->state() != QAbstractSocket::ConnectedState) {
+        if (overdue || idle) {
             socket->abort();
             socket->deleteLater();
             connection.socket.clear();

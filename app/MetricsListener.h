@@ -12,7 +12,7 @@ class QTimer;
 // any QTcpServer does, and keeps a hostile or broken client from holding the process
 // hostage: it takes at most maxConnections at once, buffers at most requestBytes of a
 // request, and closes a connection whose request has not come in whole within
-// requestMs, one that stays idle for idleMs, and one the HTTP server has given up on.
+// requestMs, and one that stays idle for idleMs.
 class MetricsListener : public QTcpServer
 {
     Q_OBJECT

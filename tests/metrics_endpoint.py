@@ -25,7 +25,7 @@ def until(condition, seconds):
         time.sleep(0.1)
 
 
-def http(port, path='/metrics', method='GET', accept=None, timeout=5):
+def get(port, path='/metrics', method='GET', accept=None, timeout=5):
     """(status, headers, body) of one request on a connection of its own."""
     request = urllib.request.Request(f'http://127.0.0.1:{port}{path}', method=method,
                                      headers={'Accept': accept} if accept else {})
@@ -38,9 +38,9 @@ def http(port, path='/metrics', method='GET', accept=None, timeout=5):
         return None, {}, str(error).encode()
 
 
-def rss_kib(pid):
+def peak_rss_kib(pid):
     with open(f'/proc/{pid}/status') as status:
-        return next(int(line.split()[1]) for line in status if line.startswith('VmRSS:'))
+        return next(int(line.split()[1]) for line in status if line.startswith('VmHWM:'))
 
 
 def connect(port):
@@ -66,7 +66,7 @@ port = int(line.rsplit(':', 1)[1].split('/')[0])
 check(line.startswith('kovar: serving metrics at http://127.0.0.1:'), f'kovar says where it serves: {line.strip()}')
 
 # The two formats, each as its reader wants it.
-status, headers, text = http(port, accept='*/*')
+status, headers, text = get(port, accept='*/*')
 check(status == 200 and headers['Content-Type'] == 'text/plain; version=0.0.4; charset=utf-8', 'text format by default')
 lint = subprocess.run(['promtool', 'check', 'metrics'], input=text, capture_output=True)
 check(lint.returncode == 0 and not lint.stdout.strip(),
@@ -76,18 +76,26 @@ for family in [b'kovar_cpu_seconds_total{mode="user"}', b'kovar_memory_bytes{cla
     check(family in text, f'the text format has {family.decode()}')
 machine_id = open('/etc/machine-id', 'rb').read().strip() if os.path.exists('/etc/machine-id') else b''
 check(not machine_id or machine_id not in text, 'the machine id itself is never sent')
-status, headers, om = http(port, accept='application/openmetrics-text;version=1.0.0,text/plain;version=0.0.4;q=0.5')
+status, headers, om = get(port, accept='application/openmetrics-text;version=1.0.0,text/plain;version=0.0.4;q=0.5')
 check(status == 200 and headers['Content-Type'].startswith('application/openmetrics-text; version=1.0.0')
       and om.endswith(b'\n# EOF\n') and b'# TYPE kovar_cpu_seconds counter' in om, 'OpenMetrics when asked for')
-status, headers, body = http(port, method='HEAD')
-check(status == 200 and body == b'' and int(headers['Content-Length']) > 1000, 'HEAD: the length and no body')
-check(http(port, '/')[0] == 200 and b'href="/metrics"' in http(port, '/')[2], '/ links to /metrics')
-check(http(port, '/metrics', method='POST')[0] == 405, 'POST is refused')
-check(http(port, '/secret')[0] == 404, 'other paths are not found')
+head = connect(port)  # HEAD, then GET on the same connection: a body after HEAD would come first
+head.sendall(b'HEAD /metrics HTTP/1.1\r\nHost: kovar\r\n\r\n')
+time.sleep(0.2)
+head.sendall(b'GET /metrics HTTP/1.1\r\nHost: kovar\r\n\r\n')
+reply = b''
+while reply.count(b'\r\n\r\n') < 2 or len(reply.split(b'\r\n\r\n', 2)[2]) < length:
+    reply += head.recv(65536)
+    length = int(reply.split(b'Content-Length: ')[1].split(b'\r\n')[0]) if b'\r\n\r\n' in reply else 0
+check(reply.split(b'\r\n\r\n')[1].startswith(b'HTTP/1.1 200 ') and len(reply.split(b'\r\n\r\n', 2)[2]) == length > 1000,
+      'HEAD: the length of the GET and no body')
+check(get(port, '/')[0] == 200 and b'href="/metrics"' in get(port, '/')[2], '/ links to /metrics')
+check(get(port, '/metrics', method='POST')[0] == 405, 'POST is refused')
+check(get(port, '/secret')[0] == 404, 'other paths are not found')
 
 # Clients that misbehave. Those that hold on are started first and checked last: the endpoint must close
 # them once their request is overdue; all the others must leave it serving the next scrape.
-rss_before = rss_kib(kovar.pid)
+peak_before = peak_rss_kib(kovar.pid)
 started = time.monotonic()
 lingering = [connect(port) for _ in range(20)]  # slow clients that never finish their request
 for sock in lingering:
@@ -112,7 +120,7 @@ for head, filler in [(b'POST /metrics HTTP/1.1\r\nHost: x\r\nContent-Length: 100
 
 def crowd():
     answers = []
-    threads = [threading.Thread(target=lambda: answers.append(http(port, timeout=20))) for _ in range(40)]
+    threads = [threading.Thread(target=lambda: answers.append(get(port, timeout=20))) for _ in range(40)]
     for thread in threads:
         thread.start()
     for thread in threads:
@@ -157,7 +165,7 @@ for name, case in [('40 scrapers at once', crowd),
                    ('a TLS hello and noise', garbage), ('300 clients gone mid-response', gone_mid_response),
                    ('150 connections held open', too_many)]:
     outcome = case()
-    after = until(lambda: (answer := http(port))[0] == 200 and answer, 3) or (None, {}, b'')  # a scraper turned away comes back at its next interval
+    after = until(lambda: (answer := get(port))[0] == 200 and answer, 3) or (None, {}, b'')  # a scraper turned away comes back at its next interval
     check(outcome and after[0] == 200 and after[2].startswith(b'# HELP'), f'{name}: handled, and the next scrape served')
 
 # A real Prometheus scrapes kovar every second; its answers agree with kovar --snapshot.
@@ -217,8 +225,12 @@ finally:
 
 check(all(closed_by_server(s, max(0.1, 12 - (time.monotonic() - started))) for s in lingering),
       'slow requests, a 1 GB body and endless headers are cut off once overdue')
-growth = rss_kib(kovar.pid) - rss_before
-check(growth < 16 * 1024, f'memory stays flat through it all: {growth} KiB more')
+growth = peak_rss_kib(kovar.pid) - peak_before
+if 'libasan' in open(f'/proc/{kovar.pid}/maps').read():
+    print(f'SKIP: memory flatness under AddressSanitizer, which holds freed memory back ({growth} KiB more); '
+          'LeakSanitizer checks at exit instead')
+else:
+    check(growth < 16 * 1024, f'memory stays flat through it all: the peak grew {growth} KiB')
 
 kovar.send_signal(signal.SIGTERM)
 check(kovar.wait(10) == 0, 'SIGTERM ends kovar with status 0')
