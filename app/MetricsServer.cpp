@@ -11,6 +11,8 @@
 namespace {
 
 constexpr qint64 cacheMs = 500;
+// The device's names change with a rename at most; reading them is most of a sample's cost.
+constexpr qint64 deviceInfoMs = 60'000;
 
 using Status = QHttpServerResponder::StatusCode;
 
@@ -120,6 +122,11 @@ const QByteArray &MetricsServer::metrics(MetricsExposition::Format format)
     if (cached.age.isValid() && cached.age.elapsed() < cacheMs)
         return cached.body;
     MetricsExposition::Sample sample = MetricsExposition::sample(m_core);
+    if (!m_deviceInfoAge.isValid() || m_deviceInfoAge.elapsed() >= deviceInfoMs) {
+        m_deviceInfo = MetricsExposition::deviceInfo(m_core);
+        m_deviceInfoAge.start();
+    }
+    sample.deviceInfo = m_deviceInfo;
     if (m_device) {
         sample.batteryLevel = m_device->batteryLevel();
         sample.batteryState = batteryState(m_device->batteryState());

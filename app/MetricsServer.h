@@ -15,7 +15,8 @@ class StatCore;
 // kovar --serve-metrics: answers GET /metrics with the figures of the moment in the
 // format the scraper asks for, and GET / with a page that links there. Everything
 // runs on the main thread; a body is sampled at most once per half second and
-// format, so a crowd of scrapers costs no more than one.
+// format, so a crowd of scrapers costs no more than one, and the device's names once a
+// minute.
 class MetricsServer : public QAbstractHttpServer
 {
     Q_OBJECT
@@ -49,4 +50,6 @@ private:
         QElapsedTimer age;
     };
     CachedBody m_cache[2];
+    QList<std::pair<QByteArray, QString>> m_deviceInfo;
+    QElapsedTimer m_deviceInfoAge;
 };

@@ -1,6 +1,7 @@
 // Costs of one refresh tick of the statistics core, beside the floor that no
 // reader can beat: opening, reading and closing every /proc/[pid]/stat.
 #include "GeneratedProcTree.h"
+#include "MetricsExposition.h"
 #include "ProcReader.h"
 #include "StatCore.h"
 
@@ -90,6 +91,24 @@ void BM_CpuAndMemoryUsage(benchmark::State &state)
     }
 }
 BENCHMARK(BM_CpuAndMemoryUsage)->Unit(benchmark::kMicrosecond);
+
+// What one scrape of kovar --serve-metrics samples and writes, the battery aside (the
+// device keeps that figure itself) and the device's names (read once a minute): a 1 s
+// scrape interval spends this once a second.
+void BM_MetricsScrape(benchmark::State &state)
+{
+    StatCore core(treeFor(state), QDir::homePath());
+    qsizetype bytes = 0;
+    for (auto _ : state) {
+        const QByteArray body = MetricsExposition::render(MetricsExposition::sample(core),
+                                                          MetricsExposition::Format::OpenMetrics);
+        bytes = body.size();
+        benchmark::DoNotOptimize(body);
+    }
+    state.counters["bytes"] = double(bytes);
+    state.SetLabel(labelFor(state));
+}
+BENCHMARK(BM_MetricsScrape)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -123,13 +123,18 @@ MetricsExposition::Sample MetricsExposition::sample(StatCore &core)
     sample.networkAvailable = core.networkAvailable();
     sample.activeWWAN = core.activeWWAN();
     sample.activeWLAN = core.activeWLAN();
+    return sample;
+}
 
+QList<std::pair<QByteArray, QString>> MetricsExposition::deviceInfo(const StatCore &core)
+{
     // The System page's identification rows, each as a label.
     static constexpr std::pair<const char *, const char *> rows[] = {
         {"Device", "device"}, {"Model", "model"}, {"Name", "name"}, {"UDID", "udid"},
         {"OS", "os"}, {"OS Version", "os_version"}, {"Kernel", "kernel"},
     };
     const InfoDictionary info = core.systemInfo();
+    QList<std::pair<QByteArray, QString>> labels;
     for (const auto &[key, labelName] : rows) {
         QString value;
         for (const QString &section : info.sectionNames()) {
@@ -138,9 +143,9 @@ MetricsExposition::Sample MetricsExposition::sample(StatCore &core)
                     value = row.value;
             }
         }
-        sample.deviceInfo.append({QByteArray(labelName), value});
+        labels.append({QByteArray(labelName), value});
     }
-    return sample;
+    return labels;
 }
 
 QByteArray MetricsExposition::render(const Sample &sample, Format format)

@@ -39,8 +39,10 @@ public:
         QList<std::pair<QByteArray, QString>> deviceInfo;
     };
 
-    // Everything but the battery, which the caller knows from its device.
+    // Every figure but the battery, which the caller knows from its device, and the
+    // device's identification, which hardly ever changes and costs the most to read.
     static Sample sample(StatCore &core);
+    static QList<std::pair<QByteArray, QString>> deviceInfo(const StatCore &core);
 
     static QByteArray render(const Sample &sample, Format format);
 

@@ -3,7 +3,7 @@
 misbehave, a real Prometheus scraping it and agreeing with kovar --snapshot, and SIGTERM.
 
 Usage: metrics_endpoint.py KOVAR"""
-import json, os, shutil, signal, socket, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
+import atexit, json, os, shutil, signal, socket, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
 
 KOVAR = sys.argv[1]
 failures = []
@@ -61,6 +61,7 @@ def closed_by_server(sock, seconds):
 
 
 kovar = subprocess.Popen([KOVAR, '--serve-metrics', '127.0.0.1:0'], stdout=subprocess.PIPE, text=True)
+atexit.register(lambda: kovar.poll() is None and kovar.kill())  # a check that raises leaves no server behind
 line = kovar.stdout.readline()
 port = int(line.rsplit(':', 1)[1].split('/')[0])
 check(line.startswith('kovar: serving metrics at http://127.0.0.1:'), f'kovar says where it serves: {line.strip()}')

@@ -204,6 +204,7 @@ private Q_SLOTS:
                       NetworkInfoReader::Seams{});
         QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats*.warning=false"));
         MetricsExposition::Sample sample = MetricsExposition::sample(core);
+        sample.deviceInfo = MetricsExposition::deviceInfo(core);
         sample.batteryLevel = battery.section(u' ', 0, 0).toFloat();
         const QStringList states{"unknown", "unplugged", "charging", "full"};
         sample.batteryState = MetricsExposition::BatteryState(states.indexOf(battery.section(u' ', 1)));
