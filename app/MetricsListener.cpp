@@ -33,9 +33,9 @@ private:
 
 struct MetricsListener::Connection {
     QPointer<WatchedSocket> socket;
-    qint64 written = 0;       // bytes answered by the last sweep
-    qint64 lastAnswer = 0;    // ms on the clock: connected, or answered last
-    qint64 requestSince = -1; // ms on the clock when a partial request was first seen
+    qint64 written = 0;      // bytes answered by the last sweep
+    qint64 lastAnswer = 0;   // ms on the clock: connected, or answered last
+    qint64 requestSince = 0; // ms on the clock since a request is awaited; -1 between requests
 };
 
 MetricsListener::MetricsListener(QObject *parent) : MetricsListener(Limits{}, parent) {}
@@ -75,7 +75,9 @@ void MetricsListener::incomingConnection(qintptr descriptor)
     // The HTTP server keeps every byte of a request until it is whole; past this the
     // rest waits in the kernel, and the request deadline ends it.
     socket->setReadBufferSize(m_limits.requestBytes);
-    m_connections.append({socket, 0, m_clock.elapsed(), -1});
+    // The first request is awaited from the start: a client that connects and says nothing
+    // holds a place no longer than a slow request does.
+    m_connections.append({socket, 0, m_clock.elapsed(), m_clock.elapsed()});
     addPendingConnection(socket);
     if (!m_sweep->isActive())
         m_sweep->start();
@@ -94,9 +96,7 @@ void MetricsListener::sweep()
             connection.requestSince = -1;
         }
         // The server reads a request inside a transaction that it commits once the request is whole.
-        if (!socket->isTransactionStarted())
-            connection.requestSince = -1;
-        else if (connection.requestSince < 0)
+        if (socket->isTransactionStarted() && connection.requestSince < 0)
             connection.requestSince = now;
         const bool overdue = connection.requestSince >= 0 && now - connection.requestSince >= m_limits.requestMs;
         const bool idle = connection.requestSince < 0 && now - connection.lastAnswer >= m_limits.idleMs;

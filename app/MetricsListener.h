@@ -11,8 +11,9 @@ class QTimer;
 // The metrics endpoint's listening socket. It hands connections to the HTTP server as
 // any QTcpServer does, and keeps a hostile or broken client from holding the process
 // hostage: it takes at most maxConnections at once, buffers at most requestBytes of a
-// request, and closes a connection whose request has not come in whole within
-// requestMs, and one that stays idle for idleMs.
+// request, and closes a connection whose request (the first one included, from the
+// moment it connects) has not come in whole within requestMs, and one that stays idle
+// after an answer for idleMs.
 class MetricsListener : public QTcpServer
 {
     Q_OBJECT

@@ -49,9 +49,9 @@ MetricsServer::MetricsServer(StatCore &core, Device *device, QObject *parent)
 
 MetricsServer::~MetricsServer() = default;
 
-bool MetricsServer::start(const QHostAddress &address, quint16 port)
+bool MetricsServer::start(const QHostAddress &address, quint16 port, const MetricsListener::Limits &limits)
 {
-    auto *listener = new MetricsListener(this);
+    auto *listener = new MetricsListener(limits, this);
     if (!listener->listen(address, port)) {
         m_error = listener->errorString();
         delete listener;

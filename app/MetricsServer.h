@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MetricsExposition.h"
+#include "MetricsListener.h"
 
 #include <QAbstractHttpServer>
 #include <QByteArray>
@@ -9,7 +10,6 @@
 #include <QPointer>
 
 class Device;
-class MetricsListener;
 class StatCore;
 
 // kovar --serve-metrics: answers GET /metrics with the figures of the moment in the
@@ -27,7 +27,7 @@ public:
     ~MetricsServer() override;
 
     // Listens on address and port (0: any free one); false with errorString() when it cannot.
-    bool start(const QHostAddress &address, quint16 port);
+    bool start(const QHostAddress &address, quint16 port, const MetricsListener::Limits &limits = {});
     QString errorString() const { return m_error; }
     // Where the endpoint listens, as a scrape target: "127.0.0.1:9877", "[::1]:9877".
     QString target() const;
