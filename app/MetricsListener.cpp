@@ -52,14 +52,6 @@ MetricsListener::MetricsListener(Limits limits, QObject *parent)
 
 MetricsListener::~MetricsListener() = default;
 
-int MetricsListener::openConnections() const
-{
-    int open = 0;
-    for (const Connection &connection : m_connections)
-        open += connection.socket ? 1 : 0;
-    return open;
-}
-
 void MetricsListener::incomingConnection(qintptr descriptor)
 {
     m_connections.removeIf([](const Connection &connection) { return !connection.socket; });

@@ -31,8 +31,6 @@ public:
     MetricsListener(Limits limits, QObject *parent = nullptr);
     ~MetricsListener() override;
 
-    int openConnections() const;
-
 protected:
     void incomingConnection(qintptr descriptor) override;
 

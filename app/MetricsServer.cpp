@@ -111,6 +111,7 @@ bool MetricsServer::handleRequest(const QHttpServerRequest &request, QTcpSocket 
     return true;
 }
 
+// Never called: handleRequest answers every request, unknown paths included.
 void MetricsServer::missingHandler(const QHttpServerRequest &request, QTcpSocket *socket)
 {
     makeResponder(request, socket).write(Status::NotFound);

@@ -3,6 +3,7 @@
 #include "InfoDictionary.h"
 #include "StatCore.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
