@@ -10,8 +10,6 @@
 #include <QThread>
 #include <QWidget>
 
-#include <atomic>
-#include <mutex>
 
 class ADBannerView;
 class GADBannerView;
@@ -66,23 +64,18 @@ protected:
     // Phone: posts "ReceiveAd"; tablet: stays silent.
     virtual void announce(const QString &adKind) = 0;
 
-    // One instance per class for the process, made on first use from any thread and
-    // handed to the application's thread, where the banners call it back.
+    // One instance per class, made on first use (safely from any thread), handed to the
+    // application's thread, where the banners call it back, and kept until the process ends.
     template <class T>
     static T *sharedInstance()
     {
-        static std::atomic<T *> instance{nullptr};
-        static std::mutex lock;
-        if (T *existing = instance.load(std::memory_order_acquire))
-            return existing;
-        std::lock_guard guard(lock);
-        if (T *existing = instance.load(std::memory_order_relaxed))
-            return existing;
-        T *created = new T;
-        if (QCoreApplication *app = QCoreApplication::instance(); app && created->thread() != app->thread())
-            created->moveToThread(app->thread());
-        instance.store(created, std::memory_order_release);
-        return created;
+        static T *const instance = [] {
+            T *made = new T;
+            if (QCoreApplication *app = QCoreApplication::instance(); app && made->thread() != app->thread())
+                made->moveToThread(app->thread());
+            return made;
+        }();
+        return instance;
     }
 
 private:

@@ -19,7 +19,7 @@ bool MonitorAppDelegate_iPad::application(QGuiApplication *application,
     // The window is already visible when the root screen goes in, so the root screen
     // builds itself at its final size. A second launch call keeps the first root screen.
     if (!m_rootViewController) {
-        m_rootViewController = new iPadRootViewController;
+        m_rootViewController = new iPadRootViewController(nullptr, device());
         installRootView(m_rootViewController);
         m_rootViewController->viewDidLoad();
     }

@@ -1,11 +1,15 @@
 #include "iPadRootViewController.h"
 
 #include "ADControlForiPad.h"
+#include "ActivationWatch.h"
+#include "Device.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
 #include "StatCore.h"
+#include "iPadNetworkViewController.h"
 #include "iPadProcessesViewConroller.h"
+#include "iPadSystemViewController.h"
 #include "iPadTotalViewController.h"
 
 #include <QTimer>
@@ -17,8 +21,10 @@ constexpr int SummaryTop = 20;
 const QColor FooterTextColor = QColor::fromRgbF(0.5f, 0.5f, 0.5f);
 } // namespace
 
-iPadRootViewController::iPadRootViewController(QWidget *parent)
+iPadRootViewController::iPadRootViewController(StatCore *statCore, Device *device, QWidget *parent)
     : QWidget(parent)
+    , _statCore(statCore ? statCore : StatCore::shared())
+    , _device(device ? device : Device::currentDevice())
 {
 }
 
@@ -40,7 +46,14 @@ void iPadRootViewController::viewDidLoad()
     _titleLabel->setAlignment(Qt::AlignHCenter);
 
     _totalViewController = new iPadTotalViewController(this);
+    _totalViewController->setDevice(_device);
     _totalViewController->initWithFrame(QRect(0, SummaryTop, W, H - SummaryTop - FooterHeight));
+    // The figures the panels show from the start, as on the phone.
+    _totalViewController->setMemoryUsageData(_statCore->memoryUsage());
+    _totalViewController->setDiskUsageData(_statCore->diskUsage());
+    _totalViewController->processesViewController()->setProcData(_statCore->runningProcesses());
+    _totalViewController->systemViewController()->setInfoData(_statCore->systemInfo());
+    ActivationWatch::onEveryActivation(this, [this] { reloadNetworkData(); });
 
     // The band fades as a whole, its text with it.
     _footerLabel = new LabelView(QRect(0, H - FooterHeight, W, FooterHeight), QStringLiteral("Norvik App"),
@@ -54,7 +67,7 @@ void iPadRootViewController::viewDidLoad()
     ADControlForiPad::defaultsADForiPad()->addAds(this, float(H - FooterHeight));
 
     // Prime the sampler so the first tick reports the load over one period, not since boot.
-    StatCore::shared()->cpuUsage();
+    _statCore->cpuUsage();
 
     _systemStateGetTimer = new QTimer(this);
     _systemStateGetTimer->setInterval(RefreshIntervalMs);
@@ -69,10 +82,14 @@ void iPadRootViewController::viewDidLoad()
 
 void iPadRootViewController::refreshSystemState()
 {
-    StatCore *core = StatCore::shared();
-    _totalViewController->setCpuUsageData(core->cpuUsage());
-    _totalViewController->setMemoryUsageData(core->memoryUsage());
-    _totalViewController->processesViewController()->setProcData(core->runningProcesses());
+    _totalViewController->setCpuUsageData(_statCore->cpuUsage());
+    _totalViewController->setMemoryUsageData(_statCore->memoryUsage());
+    _totalViewController->processesViewController()->setProcData(_statCore->runningProcesses());
+}
+
+void iPadRootViewController::reloadNetworkData()
+{
+    _totalViewController->networkViewController()->setInfoData(_statCore->networkInfo());
 }
 
 bool iPadRootViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const

@@ -5,7 +5,9 @@
 #include <QWidget>
 
 class LabelView;
+class Device;
 class QTimer;
+class StatCore;
 class iPadTotalViewController;
 
 // The tablet's root screen: everything at once on the tablet background, the title
@@ -21,13 +23,17 @@ public:
     static constexpr int RefreshIntervalMs = 2000;
     static constexpr int FooterHeight = 90;
 
-    explicit iPadRootViewController(QWidget *parent = nullptr);
+    // Feeds its pages from statCore and shows device's battery; null stands for the
+    // process-wide StatCore::shared() and Device::currentDevice().
+    explicit iPadRootViewController(StatCore *statCore = nullptr, Device *device = nullptr, QWidget *parent = nullptr);
     ~iPadRootViewController() override;
 
     // Builds the screen at the widget's current size; call once.
     void viewDidLoad();
 
     void refreshSystemState();
+    // Reads the network record and shows it on the Network panel: on every activation.
+    void reloadNetworkData();
     bool shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const;
 
     iPadTotalViewController *totalViewController() const { return _totalViewController; }
@@ -36,6 +42,8 @@ public:
     LabelView *footerLabel() const { return _footerLabel; }
 
 private:
+    StatCore *_statCore;
+    Device *_device;
     iPadTotalViewController *_totalViewController = nullptr;
     QTimer *_systemStateGetTimer = nullptr;
     LabelView *_titleLabel = nullptr;

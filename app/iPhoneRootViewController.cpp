@@ -1,13 +1,15 @@
 #include "iPhoneRootViewController.h"
 
 #include "ADControl.h"
+#include "ActivationWatch.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
-#include "StatCore.h"
+#include "Device.h"
 #include "OOPageCellButton.h"
+#include "StatCore.h"
 #include "iPhoneNetworkViewController.h"
 #include "iPhoneProcessesViewController.h"
 #include "iPhoneSystemViewController.h"
@@ -18,8 +20,10 @@
 
 #include <cmath>
 
-iPhoneRootViewController::iPhoneRootViewController(QWidget *parent)
+iPhoneRootViewController::iPhoneRootViewController(StatCore *statCore, Device *device, QWidget *parent)
     : QWidget(parent)
+    , _statCore(statCore ? statCore : StatCore::shared())
+    , _device(device ? device : Device::currentDevice())
 {
 }
 
@@ -57,6 +61,7 @@ void iPhoneRootViewController::viewDidLoad()
     QWidget *pages = _mainScrollView->contentView();
     _totalViewController = new iPhoneTotalViewController(pages);
     _totalViewController->setGeometry(0, 0, W, H);
+    _totalViewController->setDevice(_device);
     _totalViewController->viewDidLoad();
     _processesViewController = new iPhoneProcessesViewController(pages);
     _processesViewController->setGeometry(W, 0, W, H);
@@ -68,8 +73,16 @@ void iPhoneRootViewController::viewDidLoad()
     _networkViewController->setGeometry(3 * W, 0, W, H);
     _networkViewController->viewDidLoad();
 
+    // The figures the pages show from the start: memory, the disk (read when the Summary
+    // page is built), the process list and the system facts.
+    _totalViewController->setMemoryUsageData(_statCore->memoryUsage());
+    _totalViewController->setDiskUsageData(_statCore->diskUsage());
+    _processesViewController->setProcData(_statCore->runningProcesses());
+    _systemViewController->setInfoData(_statCore->systemInfo());
+    ActivationWatch::onEveryActivation(this, [this] { reloadNetworkData(); });
+
     // Prime the sampler so the first tick reports the load over one period, not since boot.
-    StatCore::shared()->cpuUsage();
+    _statCore->cpuUsage();
 
     _systemStateGetTimer = new QTimer(this);
     _systemStateGetTimer->setInterval(RefreshIntervalMs);
@@ -103,13 +116,18 @@ void iPhoneRootViewController::viewDidLoad()
 
 void iPhoneRootViewController::refreshSystemState()
 {
-    StatCore *core = StatCore::shared();
-    const CpuUsageData cpu = core->cpuUsage();
+    const CpuUsageData cpu = _statCore->cpuUsage();
     _totalViewController->setCpuUsageData(cpu);
     _processesViewController->setCpuUsageData(cpu);
-    _totalViewController->setMemoryUsageData(core->memoryUsage());
-    _processesViewController->setProcData(core->runningProcesses());
+    _totalViewController->setMemoryUsageData(_statCore->memoryUsage());
+    _processesViewController->setProcData(_statCore->runningProcesses());
 }
+
+void iPhoneRootViewController::reloadNetworkData()
+{
+    _networkViewController->setInfoData(_statCore->networkInfo());
+}
+
 
 void iPhoneRootViewController::buttonWasTouchUpInside(QAbstractButton *sender)
 {

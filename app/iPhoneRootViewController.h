@@ -8,7 +8,9 @@
 class OOPageControl;
 class PagingScrollView;
 class QAbstractButton;
+class Device;
 class QTimer;
+class StatCore;
 class iPhoneTotalViewController;
 class iPhoneProcessesViewController;
 class iPhoneSystemViewController;
@@ -23,13 +25,17 @@ public:
     static constexpr int BannerHeight = 50;
     static constexpr int TitleBarHeight = 20;
 
-    explicit iPhoneRootViewController(QWidget *parent = nullptr);
+    // Feeds its pages from statCore and shows device's battery; null stands for the
+    // process-wide StatCore::shared() and Device::currentDevice().
+    explicit iPhoneRootViewController(StatCore *statCore = nullptr, Device *device = nullptr, QWidget *parent = nullptr);
     ~iPhoneRootViewController() override;
 
     // Builds the screen at the widget's current size; call once.
     void viewDidLoad();
 
     void refreshSystemState();
+    // Reads the network record and shows it on the Network page: on every activation.
+    void reloadNetworkData();
     void buttonWasTouchUpInside(QAbstractButton *sender);
     void scrollViewDidEndDecelerating(PagingScrollView *scrollView);
     void pageControlClicked(OOPageControl *pageControl, int pageNumber) override;
@@ -49,6 +55,8 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
 
 private:
+    StatCore *_statCore;
+    Device *_device;
     PagingScrollView *_mainScrollView = nullptr;
     QTimer *_systemStateGetTimer = nullptr;
     OOPageControl *_pageControl = nullptr;

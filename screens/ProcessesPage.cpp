@@ -1,13 +1,12 @@
 #include "ProcessesPage.h"
 
 #include "FontTable.h"
+#include "Formatting.h"
 #include "LabelView.h"
 #include "ProcessTableModel.h"
-#include "StatCore.h"
 
 #include <QListView>
 
-#include <cstdio>
 
 ProcessesPage::ProcessesPage(const Layout &layout, const ProcessCellDelegate::Geometry &cells, QWidget *parent)
     : ListPage(QStringLiteral("Processes"), layout.insets, 80, parent)
@@ -35,7 +34,6 @@ void ProcessesPage::viewDidLoad()
     }
 
     buildTableView(_tableModel, _cellDelegate)->setUniformItemSizes(true);
-    setProcData(StatCore::shared()->runningProcesses());
 }
 
 void ProcessesPage::setProcData(const std::optional<QList<ProcessRecord>> &procData)
@@ -43,9 +41,7 @@ void ProcessesPage::setProcData(const std::optional<QList<ProcessRecord>> &procD
     if (!procData || !_total)
         return;
     _tableModel->setRecords(*procData);
-    char text[32];
-    std::snprintf(text, sizeof text, "Total:%3d", int(procData->size()));
-    _total->setText(QString::fromLatin1(text));
+    _total->setText(Formatting::print("Total:%3d", int(procData->size())));
 }
 
 const QList<ProcessRecord> &ProcessesPage::tableData() const

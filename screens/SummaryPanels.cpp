@@ -3,6 +3,7 @@
 #include "Device.h"
 #include "FittedBytes.h"
 #include "FontTable.h"
+#include "Formatting.h"
 #include "HistogramItem.h"
 #include "ImageView.h"
 #include "LabelView.h"
@@ -12,7 +13,6 @@
 #include "OOStateBarView.h"
 #include "PanelView.h"
 #include "PieChartItem.h"
-#include "StatCore.h"
 #include "StateBarItem.h"
 #include "SummaryColors.h"
 
@@ -20,7 +20,6 @@
 #include <QtMath>
 
 #include <cmath>
-#include <cstdio>
 
 using namespace SummaryColors;
 
@@ -67,15 +66,6 @@ void glassOverlay(QWidget *parent, const QRect &frame, const QString &image)
     new ImageView(frame, image, parent);
 }
 
-// snprintf, not Qt's number printing: halves round to even as the figures always have.
-template<typename... Args>
-QString format(const char *pattern, Args... args)
-{
-    char text[96];
-    std::snprintf(text, sizeof text, pattern, args...);
-    return QString::fromLatin1(text);
-}
-
 // A figure is never cut: a right-aligned label whose text outgrows its frame
 // widens to the left, into the blank beside its caption.
 void setWholeText(LabelView *label, const QString &text)
@@ -104,13 +94,9 @@ void SummaryPanels::setDevice(Device *device)
 
 void SummaryPanels::buildPanels(QWidget *container, const SummaryLayout &layout)
 {
-    if (!_device)
-        _device = Device::currentDevice();
     buildCpuPanel(container, layout);
     buildMemoryPanel(container, layout);
-    setMemoryUsageData(StatCore::shared()->memoryUsage());
     buildDiskPanel(container, layout);
-    setDiskUsageData(StatCore::shared()->diskUsage());
     buildBatteryPanel(container, layout);
     batteryChanged();
 }
@@ -215,10 +201,10 @@ void SummaryPanels::setCpuUsageData(const CpuUsageData &cpu)
     _cpuHistogramView->addItemData(HistogramItem::initWithUser(qint32(cpu.user), qint32(cpu.system), qint32(cpu.idle)));
     // Summed as 32-bit integers, as the tick deltas are.
     const double sum = double(std::int32_t(cpu.user + cpu.idle + cpu.system));
-    _cpuUser->setText(format("%5.1f%%", cpu.user / sum * 100));
-    _cpuSystem->setText(format("%5.1f%%", cpu.system / sum * 100));
-    _cpuIdle->setText(format("%5.1f%%", cpu.idle / sum * 100));
-    _cpuUsage->setText(format("%5.1f%%", cpu.usage));
+    _cpuUser->setText(Formatting::print("%5.1f%%", cpu.user / sum * 100));
+    _cpuSystem->setText(Formatting::print("%5.1f%%", cpu.system / sum * 100));
+    _cpuIdle->setText(Formatting::print("%5.1f%%", cpu.idle / sum * 100));
+    _cpuUsage->setText(Formatting::print("%5.1f%%", cpu.usage));
 }
 
 void SummaryPanels::setMemoryUsageData(const MemoryUsageData &memory)
@@ -231,10 +217,10 @@ void SummaryPanels::setMemoryUsageData(const MemoryUsageData &memory)
                                       pieItem(memory.free, memoryFree));
     // Five-character size fields, as "%5.5s" would give, that never cut a figure.
     auto size = [](quint64 bytes) { return FittedBytes::text(double(bytes), 0, 5); };
-    setWholeText(_memoryWired, format("%5.1f%% ", memory.wiredPercent) + size(memory.wired));
-    setWholeText(_memoryActive, format("%5.1f%% ", memory.activePercent) + size(memory.active));
-    setWholeText(_memoryInactive, format("%5.1f%% ", memory.inactivePercent) + size(memory.inactive));
-    setWholeText(_memoryFree, format("%5.1f%% ", memory.freePercent) + size(memory.free));
+    setWholeText(_memoryWired, Formatting::print("%5.1f%% ", memory.wiredPercent) + size(memory.wired));
+    setWholeText(_memoryActive, Formatting::print("%5.1f%% ", memory.activePercent) + size(memory.active));
+    setWholeText(_memoryInactive, Formatting::print("%5.1f%% ", memory.inactivePercent) + size(memory.inactive));
+    setWholeText(_memoryFree, Formatting::print("%5.1f%% ", memory.freePercent) + size(memory.free));
     setWholeText(_memoryTotal, size(memory.total));
     setWholeText(_memoryUser, size(memory.user));
     setWholeText(_memoryPhysical, size(memory.physical));
@@ -252,8 +238,8 @@ void SummaryPanels::setDiskUsageData(const DiskUsageData &disk)
     _diskUsedColorRectView->setRectColor(level.color());
     // Nine-character fields, as "%9.9s" would give; 1 TB and more grow the field.
     auto size = [](double bytes) { return FittedBytes::text(bytes, 2, 9); };
-    setWholeText(_diskUsed, format("%5.1f%% ", usedPct) + size(used));
-    setWholeText(_diskFree, format("%5.1f%% ", freePct) + size(disk.freeSize));
+    setWholeText(_diskUsed, Formatting::print("%5.1f%% ", usedPct) + size(used));
+    setWholeText(_diskFree, Formatting::print("%5.1f%% ", freePct) + size(disk.freeSize));
     setWholeText(_diskTotalSpace, size(disk.totalSize));
 }
 
@@ -267,7 +253,7 @@ void SummaryPanels::batteryChanged()
     // representation error so that a battery at exactly 30 % is treated as 30.
     const float L = level < 0 ? level * 100.0f : float(std::round(double(level) * 10000.0) / 100.0);
 
-    _batteryLevel->setText(state != 0 ? format("%.0f%%", double(L)) : QStringLiteral("Unknown"));
+    _batteryLevel->setText(state != 0 ? Formatting::print("%.0f%%", double(L)) : QStringLiteral("Unknown"));
     const Rgb levelColor = batteryLevelColor(L);
     _batteryLevelColorRectView->setRectColor(levelColor.color());
     const double bar = L < 0 ? 0.0 : double(L);

@@ -21,7 +21,8 @@ class OORectView;
 class SummaryPanels : public QWidget {
     Q_OBJECT
 public:
-    // The battery figures come from this device (the process-wide one by default).
+    // The battery figures come from this device, set before the panels are built; none
+    // shows the battery as unknown.
     void setDevice(Device *device);
 
     void setCpuUsageData(const CpuUsageData &cpuUsageData);
@@ -58,8 +59,8 @@ public:
 protected:
     explicit SummaryPanels(QWidget *parent = nullptr);
 
-    // Builds the panels into container, then shows the memory and disk figures of the
-    // moment and the battery as the device reports it. Call once.
+    // Builds the panels into container, with no figures until the root screen sends
+    // them, and the battery as the device reports it. Call once.
     void buildPanels(QWidget *container, const SummaryLayout &layout);
 
 private:

@@ -1,7 +1,6 @@
 #include "SystemPage.h"
 
 #include "InfoTableModel.h"
-#include "StatCore.h"
 
 SystemPage::SystemPage(const Insets &insets, const InfoCellDelegate::Geometry &cells, QWidget *parent)
     : ListPage(QStringLiteral("System Information"), insets, 40, parent)
@@ -17,7 +16,6 @@ void SystemPage::viewDidLoad()
 {
     ListPage::viewDidLoad();
     buildTableView(_tableModel, _cellDelegate);
-    setInfoData(StatCore::shared()->systemInfo());
 }
 
 void SystemPage::setInfoData(const std::optional<InfoDictionary> &infoData)

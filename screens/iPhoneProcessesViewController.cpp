@@ -1,9 +1,9 @@
 #include "iPhoneProcessesViewController.h"
 
 #include "FontTable.h"
+#include "Formatting.h"
 #include "LabelView.h"
 
-#include <cstdio>
 
 namespace {
 constexpr ListPage::Insets PhoneProcessesInsets = [] {
@@ -39,9 +39,7 @@ void iPhoneProcessesViewController::setCpuUsageData(const CpuUsageData &cpuUsage
 {
     if (!_cpuUsage)
         return;
-    char text[48];
-    std::snprintf(text, sizeof text, "CPU Usage:%5.1f%%", cpuUsageData.usage);
-    _cpuUsage->setText(QString::fromLatin1(text));
+    _cpuUsage->setText(Formatting::print("CPU Usage:%5.1f%%", cpuUsageData.usage));
 }
 
 void iPhoneProcessesViewController::setFrameForAd()

@@ -10,7 +10,6 @@
 #include <QDBusServiceWatcher>
 #include <QDir>
 #include <QFile>
-#include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
@@ -87,13 +86,16 @@ Device::~Device()
 
 Device *Device::currentDevice()
 {
-    static QPointer<Device> device;
-    if (!device) {
-        QCoreApplication *application = QCoreApplication::instance();
+    // Made on first use (safely from any thread) and kept until the process ends.
+    static Device *const device = [] {
         const QDBusConnection systemBus = QDBusConnection::systemBus();
-        device = systemBus.isConnected() ? new Device(systemBus, QStringLiteral("/"), application)
-                                         : new Device(QStringLiteral("/"), application);
-    }
+        Device *made = systemBus.isConnected() ? new Device(systemBus, QStringLiteral("/"))
+                                               : new Device(QStringLiteral("/"));
+        if (QCoreApplication *application = QCoreApplication::instance();
+            application && made->thread() != application->thread())
+            made->moveToThread(application->thread());
+        return made;
+    }();
     return device;
 }
 

@@ -44,7 +44,7 @@ public:
     ~Device() override;
 
     // The process-wide device: the system bus (when it can be reached) and the real
-    // /sys. Made on first use and owned by the application object.
+    // /sys. Made on first use and kept until the process ends.
     static Device *currentDevice();
 
     void setBatteryMonitoringEnabled(bool enabled);

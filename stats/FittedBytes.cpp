@@ -1,15 +1,13 @@
 #include "FittedBytes.h"
 
-#include "StatCore.h"
+#include "Formatting.h"
 #include "StringPrivate.h"
-
-#include <cstdio>
 
 namespace FittedBytes {
 
 QString text(double bytes, int decmal, int width)
 {
-    QString figure = StatCore::byteToKiloMegaGigaWithByte(bytes, decmal, false);
+    QString figure = Formatting::byteToKiloMegaGigaWithByte(bytes, decmal, false);
     if (figure.size() > width) {
         struct Step {
             const char *unit;
@@ -21,12 +19,9 @@ QString text(double bytes, int decmal, int width)
         for (const Step &step : ladder) {
             if (!figure.endsWith(QLatin1String(step.unit)))
                 continue;
-            // std::snprintf rounds halves to even, as the formatter does.
-            char number[64];
-            std::snprintf(number, sizeof number, "%.*f", decmal >= 1 && decmal <= 3 ? decmal : 0,
-                          bytes / step.divisor);
-            const QString stepped
-                = StringPrivate::stringByCommifyWithString(QString::fromLatin1(number), QString::fromLatin1(step.next));
+            const QString number
+                = Formatting::print("%.*f", decmal >= 1 && decmal <= 3 ? decmal : 0, bytes / step.divisor);
+            const QString stepped = StringPrivate::stringByCommifyWithString(number, QString::fromLatin1(step.next));
             if (stepped.size() <= width)
                 figure = stepped;
             break;

@@ -1,5 +1,6 @@
 #include "NetworkInfoReader.h"
 
+#include "Formatting.h"
 #include "ModemManagerCarrier.h"
 #include "SysfsText.h"
 
@@ -21,7 +22,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdio>
 
 #ifndef KOVAR_EXTERNAL_IP_URL
 #define KOVAR_EXTERNAL_IP_URL ""
@@ -195,10 +195,8 @@ QString NetworkInfoReader::macAddress() const
         qCWarning(lcNetworkInfo).noquote() << "Error: sysctl, take 2";
         return {};
     }
-    char text[18];
-    std::snprintf(text, sizeof text, "%02X:%02X:%02X:%02X:%02X:%02X", bytes[0], bytes[1], bytes[2], bytes[3],
-                  bytes[4], bytes[5]);
-    return QString::fromLatin1(text);
+    return Formatting::print("%02X:%02X:%02X:%02X:%02X:%02X", bytes[0], bytes[1], bytes[2], bytes[3], bytes[4],
+                             bytes[5]);
 }
 
 QString NetworkInfoReader::hostname() const

@@ -1,68 +1,16 @@
 #include "StatCore.h"
 
+#include "Formatting.h"
 #include "StatsLog.h"
-#include "StringPrivate.h"
 
 #include <QDir>
 #include <QFile>
-#include <QMutex>
 
-#include <atomic>
 #include <algorithm>
 #include <climits>
-#include <cmath>
 #include <limits>
-#include <cstdio>
 #include <sys/statvfs.h>
 #include <unistd.h>
-
-namespace {
-
-std::atomic<StatCore *> sharedInstance{nullptr};
-QMutex sharedMutex;
-
-// Truncation toward zero that saturates instead of overflowing, as the unit
-// choice needs (a value of 2^31 units or more still counts as "at least one").
-qint32 saturatingTruncate(double value)
-{
-    if (std::isnan(value))
-        return 0;
-    if (value >= 2147483647.0)
-        return INT_MAX;
-    if (value <= -2147483648.0)
-        return INT_MIN;
-    return qint32(value);
-}
-
-const char *decimalFormat(int decmal)
-{
-    switch (decmal) {
-    case 1:
-        return "%.1f";
-    case 2:
-        return "%.2f";
-    case 3:
-        return "%.3f";
-    default:
-        return "%.0f";
-    }
-}
-
-// std::snprintf, not QString::number: the C library rounds exact halves to even.
-QString printDouble(const char *format, double value)
-{
-    char buffer[512];
-    std::snprintf(buffer, sizeof buffer, format, value);
-    return QString::fromLatin1(buffer);
-}
-
-QString withUnitSpace(const char *unit, bool unitSpace)
-{
-    const QString text = QString::fromLatin1(unit);
-    return unitSpace ? QLatin1Char(' ') + text : text;
-}
-
-} // namespace
 
 StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize)
     : StatCore(rootDir, homeDir, pageSize, SystemInfoReader::hostSystemCalls(), NetworkInfoReader::hostSeams())
@@ -90,24 +38,15 @@ StatCore::~StatCore() = default;
 
 StatCore *StatCore::shared()
 {
-    if (StatCore *core = sharedInstance.load(std::memory_order_acquire))
-        return core;
-    QMutexLocker locker(&sharedMutex);
-    StatCore *core = sharedInstance.load(std::memory_order_relaxed);
-    if (!core) {
+    // Made on first use (safely from any thread) and kept until the process ends, as
+    // the pages' figures are.
+    static StatCore *const core = [] {
         QString home = qEnvironmentVariable("HOME");
         if (home.isEmpty())
             home = QDir::homePath();
-        core = new StatCore(QStringLiteral("/"), home);
-        sharedInstance.store(core, std::memory_order_release);
-    }
+        return new StatCore(QStringLiteral("/"), home);
+    }();
     return core;
-}
-
-void StatCore::terminate()
-{
-    QMutexLocker locker(&sharedMutex);
-    delete sharedInstance.exchange(nullptr, std::memory_order_acq_rel);
 }
 
 long StatCore::systemPageSize()
@@ -352,43 +291,10 @@ std::optional<CarrierInfo> StatCore::carrierInfo() const
 
 QString StatCore::byteToKiloMegaGigaWithByte(double byte, int decmal, bool unitSpace)
 {
-    const char *format = decimalFormat(decmal);
-    QString number;
-    const char *unit;
-    if (const double g = byte / (1024.0 * 1024.0 * 1024.0); saturatingTruncate(g) > 0) {
-        number = printDouble(format, g);
-        unit = "GB";
-    } else if (const double m = byte / (1024.0 * 1024.0); saturatingTruncate(m) > 0) {
-        number = printDouble(format, m);
-        unit = "MB";
-    } else if (const double k = byte / 1024.0; saturatingTruncate(k) > 0) {
-        number = printDouble(format, k);
-        unit = "KB";
-    } else {
-        number = printDouble("%.0f", byte);
-        unit = "Byte";
-    }
-    return StringPrivate::stringByCommifyWithString(number, withUnitSpace(unit, unitSpace));
+    return Formatting::byteToKiloMegaGigaWithByte(byte, decmal, unitSpace);
 }
 
 QString StatCore::hzToKiloMegaGigaWithHz(double hz, int decmal, bool unitSpace)
 {
-    const char *format = decimalFormat(decmal);
-    QString number;
-    const char *unit;
-    if (const double g = hz / 1000000000.0; saturatingTruncate(g) > 0) {
-        number = printDouble(format, g);
-        unit = "GHz";
-    } else if (const double m = hz / 1000000.0; m > 0.0) {
-        // Every positive frequency below 1 GHz shows in MHz, even below 1 MHz.
-        number = printDouble(format, m);
-        unit = "MHz";
-    } else if (const double k = hz / 1000.0; k > 0.0) {
-        number = printDouble(format, k);
-        unit = "KHz";
-    } else {
-        number = printDouble("%.0f", hz);
-        unit = "Hz";
-    }
-    return number + withUnitSpace(unit, unitSpace);
+    return Formatting::hzToKiloMegaGigaWithHz(hz, decmal, unitSpace);
 }

@@ -36,10 +36,6 @@ public:
     // The process-wide instance on "/" and $HOME, created on first use; safe to call
     // first from several threads at once.
     static StatCore *shared();
-    // Destroys the shared instance. Only for the very end of a process (or a test):
-    // any pointer obtained from shared() dangles afterwards, and the next shared()
-    // starts over with a fresh instance.
-    static void terminate();
 
     static long systemPageSize();
 
@@ -83,6 +79,7 @@ public:
     bool activeWLAN() const;
     std::optional<CarrierInfo> carrierInfo() const;
 
+    // The formatters, under the statistics object's own names (see Formatting).
     static QString byteToKiloMegaGigaWithByte(double byte, int decmal, bool unitSpace);
     static QString hzToKiloMegaGigaWithHz(double hz, int decmal, bool unitSpace);
 

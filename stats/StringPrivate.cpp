@@ -1,7 +1,7 @@
 #include "StringPrivate.h"
 
-#include <cstdio>
 #include <cstdlib>
+#include <locale.h>
 
 namespace {
 
@@ -13,17 +13,18 @@ long long longLongValue(const QString &s)
     return std::strtoll(bytes.constData(), nullptr, 10);
 }
 
+// Read as C reads it: the figures always have "." before their decimals, whatever
+// LC_NUMERIC says.
 double doubleValue(const QString &s)
 {
+    static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t(nullptr));
     const QByteArray bytes = s.toUtf8();
-    return std::strtod(bytes.constData(), nullptr);
+    return strtod_l(bytes.constData(), nullptr, cLocale);
 }
 
 QString printInteger(long long value, const QString &suffix = QString())
 {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%lld", value);
-    return QString::fromLatin1(buffer) + suffix;
+    return QString::number(value) + suffix;
 }
 
 bool isBlank(QChar c)

@@ -1,15 +1,14 @@
 #include "SystemInfoReader.h"
 
 #include "DeviceIdentity.h"
+#include "Formatting.h"
 #include "SysfsText.h"
-#include "StatCore.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -175,7 +174,7 @@ QString frequencyText(double hz)
     int decimals = 0;
     if (mhz >= 1000)
         decimals = mhz % 10 != 0 ? 3 : mhz % 100 != 0 ? 2 : mhz % 1000 != 0 ? 1 : 0;
-    return StatCore::hzToKiloMegaGigaWithHz(double(mhz) * 1000000.0, decimals, true);
+    return Formatting::hzToKiloMegaGigaWithHz(double(mhz) * 1000000.0, decimals, true);
 }
 
 bool machineMatches(const QString &machine, const char *exact)
@@ -451,11 +450,9 @@ InfoDictionary SystemInfoReader::systemInfo() const
 {
     const DeviceIdentity identity(m_root);
     auto bytes = [this](std::uint32_t selector) {
-        return StatCore::byteToKiloMegaGigaWithByte(double(getSysInfo(selector)), 0, true);
+        return Formatting::byteToKiloMegaGigaWithByte(double(getSysInfo(selector)), 0, true);
     };
 
-    char cpuCount[16];
-    std::snprintf(cpuCount, sizeof cpuCount, "%u", unsigned(getSysInfo(HW_NCPU)));
 
     InfoDictionary info;
     info.addSection(QStringLiteral("DeviceInfo"),
@@ -469,10 +466,10 @@ InfoDictionary SystemInfoReader::systemInfo() const
                      {QStringLiteral("Kernel"), getSysInfoByName(QStringLiteral("kern.ostype")) + QStringLiteral(", ")
                                                     + getSysInfoByName(QStringLiteral("kern.osrelease"))}});
     info.addSection(QStringLiteral("CPUInfo"),
-                    {{QStringLiteral("Number of Cpus"), QString::fromLatin1(cpuCount)},
+                    {{QStringLiteral("Number of Cpus"), QString::number(getSysInfo(HW_NCPU))},
                      {QStringLiteral("CPU Frequency"), getCPUFrequency()},
                      // The full 64-bit rate: a TSC above 4.29 GHz is no rarity.
-                     {QStringLiteral("TB Frequency"), StatCore::hzToKiloMegaGigaWithHz(double(timeBaseHz()), 0, true)},
+                     {QStringLiteral("TB Frequency"), Formatting::hzToKiloMegaGigaWithHz(double(timeBaseHz()), 0, true)},
                      {QStringLiteral("Cache Line Size"), bytes(HW_CACHELINE)},
                      {QStringLiteral("L1 I Cache Size"), bytes(HW_L1ICACHESIZE)},
                      {QStringLiteral("L1 D Cache Size"), bytes(HW_L1DCACHESIZE)},
