@@ -2,9 +2,8 @@
 
 #include "Device.h"
 #include "GADBannerView.h"
+#include "LaunchIdiom.h"
 #include "LaunchOptions.h"
-#include "MonitorAppDelegate_iPad.h"
-#include "MonitorAppDelegate_iPhone.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -62,14 +61,6 @@ MonitorAppDelegate::~MonitorAppDelegate()
     if (m_application)
         m_application->removeNativeEventFilter(this);
     m_window->removeEventFilter(this);
-}
-
-std::unique_ptr<MonitorAppDelegate> MonitorAppDelegate::create(LaunchIdiom::Kind kind, QSize windowSize,
-                                                               Device *device)
-{
-    if (kind == LaunchIdiom::Kind::Tablet)
-        return std::make_unique<MonitorAppDelegate_iPad>(windowSize, device);
-    return std::make_unique<MonitorAppDelegate_iPhone>(windowSize, device);
 }
 
 QWidget *MonitorAppDelegate::window() const

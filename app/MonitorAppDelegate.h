@@ -6,8 +6,6 @@
 
 #include <memory>
 
-#include "LaunchIdiom.h"
-
 class Device;
 class LaunchOptions;
 class QGuiApplication;
@@ -27,10 +25,6 @@ public:
     // when null.
     explicit MonitorAppDelegate(QSize windowSize, Device *device = nullptr, QObject *parent = nullptr);
     ~MonitorAppDelegate() override;
-
-    // The delegate of the idiom: MonitorAppDelegate_iPhone or MonitorAppDelegate_iPad.
-    static std::unique_ptr<MonitorAppDelegate> create(LaunchIdiom::Kind kind, QSize windowSize,
-                                                      Device *device = nullptr);
 
     QWidget *window() const;
     QWidget *statusBar() const;

@@ -1,10 +1,11 @@
+#include "Device.h"
+#include "IdiomDelegate.h"
 #include "LaunchIdiom.h"
 #include "LaunchOptions.h"
 #include "MetricsServer.h"
 #include "MonitorAppDelegate.h"
 #include "PlatformStart.h"
 #include "ScreenshotRunner.h"
-#include "Device.h"
 #include "StatCore.h"
 #include "StatSnapshot.h"
 #include "TerminationSignals.h"
@@ -77,7 +78,7 @@ int main(int argc, char *argv[])
     const LaunchIdiom::Kind idiom = LaunchIdiom::choose(
         screenshot && options.idiom == LaunchOptions::Idiom::Automatic ? LaunchOptions::Idiom::Phone : options.idiom,
         screen);
-    const auto delegate = MonitorAppDelegate::create(idiom, LaunchIdiom::windowSize(idiom, screen));
+    const auto delegate = IdiomDelegate::create(idiom, LaunchIdiom::windowSize(idiom, screen));
     delegate->application(&app, options);
     if (screenshot)
         return ScreenshotRunner::run(delegate.get(), options.screenshotDir);
