@@ -1,10 +1,10 @@
 #include "MetricsExposition.h"
 
+#include "Formatting.h"
 #include "InfoDictionary.h"
 #include "StatCore.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -52,9 +52,7 @@ public:
 
     void sample(const char *name, const QByteArray &labels, double value, const char *format)
     {
-        char buffer[64];
-        std::snprintf(buffer, sizeof buffer, format, value);
-        sample(name, labels, buffer);
+        sample(name, labels, Formatting::print(format, value).toLatin1().constData());
     }
 
     QByteArray finish()
