@@ -9,8 +9,9 @@
 
 #include <initializer_list>
 
-// Fixture trees copied from real machines and the tables of cases live under
-// KOVAR_FIXTURES; tests that change files work on a copy in a temporary directory.
+// Fixture trees copied from real machines live under KOVAR_FIXTURES, shared by every
+// test; tests that change files work on a copy in a temporary directory. The tables of
+// cases live beside the tests that read them, in KOVAR_TABLES.
 namespace FixtureTree {
 
 inline QString path(const QString &name)
@@ -18,11 +19,27 @@ inline QString path(const QString &name)
     return QStringLiteral(KOVAR_FIXTURES "/") + name;
 }
 
+inline QString tablePath(const char *table)
+{
+    return QStringLiteral(KOVAR_TABLES "/") + QLatin1String(table);
+}
+
 inline bool writeFile(const QString &path, const QByteArray &data)
 {
     QFile file(path);
     return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly | QIODevice::Truncate)
         && file.write(data) == data.size();
+}
+
+// /proc/stat under root with only the line of all CPUs, in ticks, and the boot time: the
+// machine whose load a test sets between two samples.
+inline bool writeCpuTicks(const QString &root, quint64 user, quint64 system, quint64 idle)
+{
+    return writeFile(root + QStringLiteral("/proc/stat"), QStringLiteral("cpu  %1 0 %2 %3 0 0 0 0 0 0\nbtime 1700000000\n")
+                                                              .arg(user)
+                                                              .arg(system)
+                                                              .arg(idle)
+                                                              .toUtf8());
 }
 
 inline bool copy(const QString &from, const QString &to)
@@ -43,7 +60,7 @@ inline void addRows(const char *table, std::initializer_list<const char *> colum
 {
     for (const char *column : columns)
         QTest::addColumn<QString>(column);
-    QFile file(path(QLatin1String(table)));
+    QFile file(tablePath(table));
     QVERIFY2(file.open(QIODevice::ReadOnly), table);
     for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
         const QStringList fields = line.split(u'\t');
@@ -76,7 +93,7 @@ inline QString rowsLike(const InfoDictionary &info, const QString &expected)
 // The lines of a table file whose first field is tag, without that field.
 inline QStringList tableLines(const char *table, const QString &tag)
 {
-    QFile file(path(QLatin1String(table)));
+    QFile file(tablePath(table));
     QStringList lines;
     if (file.open(QIODevice::ReadOnly)) {
         for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n'))

@@ -1,8 +1,6 @@
 #include "FixtureTree.h"
-#include "MetricsExposition.h"
 #include "StatCore.h"
 #include "StatSnapshot.h"
-#include "StringPrivate.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -70,7 +68,7 @@ private Q_SLOTS:
         QVERIFY(U_SUCCESS(status));
     }
 
-    void cpuUsage_data() { addRows("stats-tables/cpu.tsv", {"before", "after", "json"}); }
+    void cpuUsage_data() { addRows("cpu.tsv", {"before", "after", "json"}); }
     void cpuUsage()
     {
         QFETCH(QString, before);
@@ -87,7 +85,7 @@ private Q_SLOTS:
         QCOMPARE(compact(next), QByteArray(R"({"idle":0,"system":0,"usage":null,"user":0})"));
     }
 
-    void memoryUsage_data() { addRows("stats-tables/memory.tsv", {"meminfo", "pageSize", "json", "warnings"}); }
+    void memoryUsage_data() { addRows("memory.tsv", {"meminfo", "pageSize", "json", "warnings"}); }
     void memoryUsage()
     {
         QFETCH(QString, meminfo);
@@ -131,7 +129,7 @@ private Q_SLOTS:
     void runningProcesses()
     {
         QFETCH(QString, tree);
-        QStringList expected = tableLines("stats-tables/processes.tsv", tree);
+        QStringList expected = tableLines("processes.tsv", tree);
         StatCore core(path(tree), path(tree), 4096);
         const QJsonValue table = StatSnapshot::runningProcessesJson(core.runningProcesses());
         QCOMPARE(table.isNull(), expected.isEmpty());
@@ -167,69 +165,6 @@ private Q_SLOTS:
         QCOMPARE(core.startTimeCacheSize(), 7);
     }
 
-    void snapshotGathersEveryFigure()
-    {
-        const QString tree = path(QStringLiteral("proc-x86-laptop"));
-        SystemInfoReader::SystemCalls calls;
-        calls.uname = [] { return SystemInfoReader::UnameValues{"Linux", "6.1.0", "x86_64"}; };
-        StatCore core(tree, tree, 4096, calls, NetworkInfoReader::Seams{}); // every network query fails, quietly
-        QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats.network.warning=false"));
-        const QJsonObject snapshot = QJsonDocument::fromJson(StatSnapshot::toJson(StatSnapshot::capture(core, {}))).object();
-        QCOMPARE(snapshot.keys(), (QStringList{"cpuUsage", "diskUsage", "memoryUsage", "networkInfo",
-                                               "runningProcesses", "systemInfo"}));
-        QCOMPARE(compact(snapshot["cpuUsage"]), QByteArray(R"({"idle":0,"system":0,"usage":null,"user":0})"));
-        QCOMPARE(snapshot["diskUsage"]["totalSize"].toDouble(), core.diskUsage().totalSize);
-        QVERIFY(snapshot["memoryUsage"] == StatSnapshot::memoryUsageJson(core.memoryUsage()));
-        QVERIFY(snapshot["runningProcesses"] == StatSnapshot::runningProcessesJson(core.runningProcesses()));
-        QVERIFY(snapshot["networkInfo"] == core.networkInfo().toJson());
-        QVERIFY(snapshot["systemInfo"] == core.systemInfo().toJson());
-    }
-
-    void metricsExposition_data()
-    {
-        addRows("stats-tables/metrics.tsv", {"tree", "home", "format", "battery", "name", "present", "absent"});
-    }
-    void metricsExposition()
-    {
-        QFETCH(QString, tree);
-        QFETCH(QString, home);
-        QFETCH(QString, format);
-        QFETCH(QString, battery);
-        QFETCH(QString, name);
-        QFETCH(QString, present);
-        QFETCH(QString, absent);
-        SystemInfoReader::SystemCalls calls;
-        calls.uname = [] { return SystemInfoReader::UnameValues{"Linux", "6.1.0", "x86_64"}; };
-        StatCore core(path(tree), home == u"-" ? QStringLiteral("/nonexistent") : path(home), 4096, calls,
-                      NetworkInfoReader::Seams{});
-        QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats*.warning=false"));
-        MetricsExposition::Sample sample = MetricsExposition::sample(core);
-        sample.deviceInfo = MetricsExposition::deviceInfo(core);
-        sample.batteryLevel = battery.section(u' ', 0, 0).toFloat();
-        const QStringList states{"unknown", "unplugged", "charging", "full"};
-        sample.batteryState = MetricsExposition::BatteryState(states.indexOf(battery.section(u' ', 1)));
-        for (auto &[label, value] : sample.deviceInfo)
-            value = label == "name" && name != u"-" ? name : value;
-        const QString text = QString::fromUtf8(MetricsExposition::render(
-            sample, format == u"text" ? MetricsExposition::Format::Text : MetricsExposition::Format::OpenMetrics));
-        const QStringList lines = text.split(u'\n');
-        QCOMPARE(lines.last(), QString()); // every line ends, the last included
-        // No rendered line holds a line break: in an expected line one stands for the escape "\n".
-        for (const QString &line : present.split(u'|'))
-            QVERIFY2(lines.contains(QString(line).replace(u'\n', QLatin1String("\\n"))), qPrintable(line));
-        for (const QString &family : absent.split(u'|', Qt::SkipEmptyParts))
-            QVERIFY2(!text.contains(family), qPrintable(family));
-    }
-
-    void metricsNegotiation_data() { addRows("stats-tables/metrics-accept.tsv", {"accept", "format"}); }
-    void metricsNegotiation()
-    {
-        QFETCH(QString, accept);
-        QFETCH(QString, format);
-        const MetricsExposition::Format served = MetricsExposition::negotiate(accept == u"-" ? QByteArray() : accept.toLatin1());
-        QCOMPARE(served == MetricsExposition::Format::OpenMetrics ? "openmetrics" : "text", format);
-    }
-
     void sharedCreatedOnceUnderContention()
     {
         constexpr int threadCount = 16;
@@ -247,49 +182,6 @@ private Q_SLOTS:
             thread.join();
         for (StatCore *core : seen)
             QCOMPARE(core, StatCore::shared());
-        StatCore::terminate();
-    }
-
-    void formatters_data() { addRows("stats-tables/formatters.tsv", {"family", "value", "decimals", "space", "expected"}); }
-    void formatters()
-    {
-        QFETCH(QString, family);
-        QFETCH(QString, value);
-        QFETCH(QString, decimals);
-        QFETCH(QString, space);
-        const auto format = family == u"hz" ? &StatCore::hzToKiloMegaGigaWithHz : &StatCore::byteToKiloMegaGigaWithByte;
-        QTEST(format(value.toDouble(), decimals.toInt(), space == u"1"), "expected");
-    }
-
-    void text_data() { addRows("stats-tables/text.tsv", {"helper", "input", "unit", "expected"}); }
-    void text()
-    {
-        QFETCH(QString, helper);
-        QFETCH(QString, input);
-        QFETCH(QString, unit);
-        QTEST(helper == u"trim" ? StringPrivate::stringByTrimmingSpaceWithString(input)
-                                : StringPrivate::stringByCommifyWithString(input, unit),
-              "expected");
-    }
-
-    void textNullAndEmpty()
-    {
-        QVERIFY(StringPrivate::stringByCommifyWithString(QString()).isNull());
-        QVERIFY(StringPrivate::stringByTrimmingSpaceWithString(QString()).isNull());
-        QVERIFY(!StringPrivate::stringByCommifyWithString(QStringLiteral("")).isNull());
-        for (const QString &blank : {QStringLiteral(""), QStringLiteral(" \t ")})
-            QVERIFY(!StringPrivate::stringByTrimmingSpaceWithString(blank).isNull());
-    }
-
-    void startTimes_data() { addRows("stats-tables/start-times.tsv", {"locale", "zone", "seconds", "expected"}); }
-    void startTimes()
-    {
-        QFETCH(QString, locale);
-        QFETCH(QString, zone);
-        QFETCH(QString, seconds);
-        const StartTimeFormatter formatter(locale.toLatin1(), zone);
-        QVERIFY(formatter.isValid());
-        QTEST(formatter.format(seconds.toLongLong()), "expected");
     }
 };
 

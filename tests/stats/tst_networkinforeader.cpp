@@ -1,4 +1,5 @@
 #include "FixtureTree.h"
+#include "LoopbackHttpServer.h"
 #include "MobileCountryCodes.h"
 #include "NetworkInfoReader.h"
 #include "SysfsText.h"
@@ -46,6 +47,8 @@ NetworkInfoReader::Seams quietSeams()
 
 class TestNetworkInfoReader : public QObject {
     Q_OBJECT
+
+    LoopbackHttpServer m_server;
 
 private Q_SLOTS:
     void reachability_data()
@@ -217,17 +220,17 @@ private Q_SLOTS:
     {
         QTest::ignoreMessage(QtWarningMsg, "Error: if_nametoindex error");
         const InfoDictionary info = NetworkInfoReader(path(QStringLiteral("sys-empty-tree")), quietSeams()).networkInfo();
-        QCOMPARE(tableLines(info), tableLines("stats-tables/network-info.tsv", QStringLiteral("nothing configured")));
+        QCOMPARE(tableLines(info), tableLines("network-info.tsv", QStringLiteral("nothing configured")));
     }
 
-    void countryCodes_data() { addRows("stats-tables/country-codes.tsv", {"mcc", "iso"}); }
+    void countryCodes_data() { addRows("country-codes.tsv", {"mcc", "iso"}); }
     void countryCodes()
     {
         QFETCH(QString, mcc);
         QTEST(MobileCountryCodes::isoCountryCode(mcc), "iso");
     }
 
-    void routeAnswer_data() { addRows("stats-tables/route-answers.tsv", {"datagram", "sequence", "answer"}); }
+    void routeAnswer_data() { addRows("route-answers.tsv", {"datagram", "sequence", "answer"}); }
     void routeAnswer()
     {
         QFETCH(QString, datagram);
@@ -258,6 +261,46 @@ private Q_SLOTS:
                     return entry.name == u"lo" && entry.family == AF_INET && entry.address == u"127.0.0.1"
                         && (entry.flags & IFF_LOOPBACK);
                 }));
+    }
+
+    // The external address query against servers that answer well, badly or not at all.
+    void externalAddress_data()
+    {
+        QVERIFY(m_server.isListening() || m_server.listen(QHostAddress::LocalHost));
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<int>("timeoutMs");
+        QTest::addColumn<QString>("expected"); // empty: an error text, not the address
+        const QByteArray address = "203.0.113.7\n" + QByteArray(1024 - 12, ' '); // exactly the default 1 KiB cap
+        m_server.routeReply("/address", address);
+        m_server.routeReply("/non-ascii", "203.0.113.7 \xC3\xA9t\xC3\xA9");
+        QTest::newRow("body of exactly 1 KiB") << m_server.url("/address").toString() << 3000 << QString::fromLatin1(address);
+        QTest::newRow("non-ASCII body") << m_server.url("/non-ascii").toString() << 3000 << "The response is not ASCII text.";
+        QTest::newRow("no endpoint configured") << "" << 3000 << "No external address endpoint is configured";
+        QTest::newRow("https, not plain HTTP") << "https://127.0.0.1:1/" << 3000 << "The external address endpoint is not a plain HTTP address";
+        QTest::newRow("no host") << "http:///path" << 3000 << "The external address endpoint is not a plain HTTP address";
+        // The announced length alone ends nothing here: the body is read, up to the cap, until the deadline.
+        const QString timedOut = QStringLiteral("The request timed out.");
+        const QString expected[] = {timedOut, QStringLiteral("The response is too large to be an address."), timedOut, {}, {}};
+        for (const HostileServer &hostile : HostileServer::all()) {
+            const QByteArray path = "/address/" + QByteArray(hostile.name).replace(' ', '-');
+            m_server.route(path, hostile.serving(address));
+            QTest::newRow(qPrintable(QStringLiteral("server %1").arg(hostile.name))) << m_server.url(path).toString()
+                                                                                     << (expected[hostile.refusal] == timedOut ? 80 : 3000) << expected[hostile.refusal];
+        }
+    }
+    void externalAddress()
+    {
+        QFETCH(QString, url);
+        QFETCH(int, timeoutMs);
+        QFETCH(QString, expected);
+        NetworkInfoReader reader(QStringLiteral("/"), NetworkInfoReader::Seams{});
+        reader.setExternalIPUrl(url);
+        reader.setExternalIPTimeout(timeoutMs);
+        const QString result = reader.externalIPAddress();
+        if (expected.isEmpty())
+            QVERIFY2(!result.isEmpty() && !result.contains(u"203.0"), qPrintable(result));
+        else
+            QCOMPARE(result, expected);
     }
 };
 

@@ -30,7 +30,7 @@ class TestSystemInfoReader : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void devices_data() { addRows("stats-tables/devices.tsv", {"machine", "device", "frequency"}); }
+    void devices_data() { addRows("devices.tsv", {"machine", "device", "frequency"}); }
     void devices()
     {
         QFETCH(QString, machine);
@@ -67,7 +67,7 @@ private Q_SLOTS:
         QFETCH(bool, libc);
         QFETCH(qint64, timeBase);
         const SystemInfoReader reader(path(tree), fakeCalls(machine, libc, std::uint64_t(timeBase)));
-        QCOMPARE(tableLines(reader.systemInfo()), tableLines("stats-tables/system-info.tsv", tree));
+        QCOMPARE(tableLines(reader.systemInfo()), tableLines("system-info.tsv", tree));
     }
 
     void thisMachine()

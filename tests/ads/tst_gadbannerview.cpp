@@ -1,110 +1,15 @@
 #include "FixtureTree.h"
+#include "LoopbackHttpServer.h"
 #include "GADBannerView.h"
 #include "GADBannerViewDelegate.h"
-#include "NetworkInfoReader.h"
 #include "RenderProbe.h"
 
 #include <QtGui>
 #include <QtNetwork>
 #include <QtTest>
 
-// The two clients that ask untrusted servers: the ad banner (with its bounded fetches) and the
-// statistics core's external address query, each against one table of hostile servers.
+// The ad network's banner against servers that answer well, badly or not at all.
 namespace {
-
-// An HTTP/1.1 server on 127.0.0.1: one handler per path, 404 for the rest, and a log of the
-// requests ("/path?query") on the server's own clock.
-class LoopbackHttpServer : public QTcpServer
-{
-public:
-    struct Request { QByteArray target; qint64 atMs; };
-    using Handler = std::function<void(QTcpSocket *socket, const QByteArray &path)>;
-
-    LoopbackHttpServer()
-    {
-        m_clock.start();
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket *socket = nextPendingConnection()) {
-                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { serve(socket); });
-                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-            }
-        });
-    }
-    QUrl url(const QByteArray &path) const { return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(serverPort()).arg(QString::fromLatin1(path))); }
-    qint64 elapsedMs() const { return m_clock.elapsed(); }
-    void route(const QByteArray &path, Handler handler) { m_routes.insert(path, std::move(handler)); }
-    void routeReply(const QByteArray &path, const QByteArray &body, const QByteArray &status = "200 OK") { route(path, [=](QTcpSocket *s, const QByteArray &) { reply(s, status, body); }); }
-    QList<Request> requests(const QByteArray &path) const
-    {
-        QList<Request> matching;
-        std::copy_if(m_log.begin(), m_log.end(), std::back_inserter(matching), [&](const Request &r) { return r.target.split('?')[0] == path; });
-        return matching;
-    }
-    static void reply(QTcpSocket *socket, const QByteArray &status, const QByteArray &body, const QByteArray &headers = {})
-    {
-        socket->write("HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\nConnection: close\r\n" + headers + "\r\n" + body);
-        socket->disconnectFromHost();
-    }
-
-private:
-    void serve(QTcpSocket *socket)
-    {
-        if (!socket->peek(64 * 1024).contains("\r\n\r\n"))
-            return;
-        disconnect(socket, &QTcpSocket::readyRead, socket, nullptr);
-        const QByteArray target = socket->readAll().split(' ').value(1), path = target.split('?')[0];
-        m_log.append({target, m_clock.elapsed()});
-        m_routes.value(path, [](QTcpSocket *s, const QByteArray &) { reply(s, "404 Not Found", "no such thing"); })(socket, path);
-    }
-
-    QHash<QByteArray, Handler> m_routes;
-    QList<Request> m_log;
-    QElapsedTimer m_clock;
-};
-
-// Servers an HTTP client must give up on. Wherever the client has to refuse the answer anyway,
-// it is the test's good body, so that a client which let it through would succeed instead.
-struct HostileServer
-{
-    enum Refusal { Timeout, TooLarge, AnnouncedTooLarge, Status, Network };
-    const char *name;
-    Refusal refusal;
-    void (*serve)(QTcpSocket *socket, const QByteArray &good, const QByteArray &path);
-
-    LoopbackHttpServer::Handler serving(const QByteArray &good) const
-    {
-        return [serve = serve, good](QTcpSocket *socket, const QByteArray &path) { serve(socket, good, path); };
-    }
-    static QList<HostileServer> all()
-    {
-        using S = QTcpSocket;
-        using B = QByteArray;
-        return {
-            {"stalls", Timeout, [](S *, const B &, const B &) {}},
-            {"drips the body past the deadline", Timeout, [](S *s, const B &good, const B &) {
-                 s->write("HTTP/1.1 200 OK\r\nContent-Length: " + B::number(good.size() + 1) + "\r\n\r\n");
-                 auto *drip = new QTimer(s);
-                 QObject::connect(drip, &QTimer::timeout, s, [s, good, at = 0]() mutable { s->write(good.mid(at++, 1)); });
-                 drip->start(10);
-             }},
-            {"announces a huge body, then stalls", AnnouncedTooLarge,
-             [](S *s, const B &good, const B &) { s->write("HTTP/1.1 200 OK\r\nContent-Length: 1073741824\r\n\r\n" + good.left(1)); }},
-            {"sends an endless body without a length", TooLarge,
-             [](S *s, const B &good, const B &) { s->write("HTTP/1.1 200 OK\r\n\r\n" + good + B(2 << 20, ' ')); }},
-            {"answers 500", Status, [](S *s, const B &good, const B &) { LoopbackHttpServer::reply(s, "500 Internal Server Error", good); }},
-            {"closes before the announced length", Network, [](S *s, const B &good, const B &) {
-                 s->write("HTTP/1.1 200 OK\r\nContent-Length: " + B::number(good.size() + 100) + "\r\n\r\n" + good);
-                 s->flush();
-                 s->abort();
-             }},
-            {"redirects to itself", Network, [](S *s, const B &good, const B &path) {
-                 LoopbackHttpServer::reply(s, "302 Found", good, "Location: http://127.0.0.1:" + B::number(s->localPort()) + path + "\r\n");
-             }},
-            {"redirects to file:", Network,
-             [](S *s, const B &good, const B &) { LoopbackHttpServer::reply(s, "302 Found", good, "Location: file:///etc/hostname\r\n"); }},
-        };
-    }
-};
 
 using E = GADRequestError;
 const QColor Red(255, 0, 0);
@@ -126,6 +31,12 @@ bool waitFor(const std::function<bool()> &condition, int ms = 5000)
     while (!condition() && !deadline.hasExpired())
         QTest::qWait(1);
     return condition();
+}
+
+QByteArray table(const QString &name)
+{
+    QFile file(FixtureTree::tablePath(qPrintable(name)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QByteArray fixture(const QString &name)
@@ -150,7 +61,7 @@ struct Answer
 
 Q_DECLARE_METATYPE(Answer)
 
-class TestHttpClients : public QObject
+class TestGADBannerView : public QObject
 {
     Q_OBJECT
 
@@ -224,7 +135,7 @@ private Q_SLOTS:
             QTest::newRow(name) << Answer{.server = QString::fromLatin1(path), .code = code, .timeoutMs = timeoutMs};
         };
         const QStringList codeNames = {"NotConfigured", "NetworkError", "ServerError", "InvalidResponse", "InvalidImage", "Timeout", "TooLarge"};
-        for (const QByteArray &line : fixture(QStringLiteral("refused.tsv")).trimmed().split('\n')) {
+        for (const QByteArray &line : table(QStringLiteral("refused.tsv")).trimmed().split('\n')) {
             const QList<QByteArray> row = line.split('\t'); // name, code, the JSON the server sends
             add(row.value(0).constData(), row.value(2), codeNames.indexOf(QString::fromLatin1(row.value(1))));
         }
@@ -320,7 +231,7 @@ private Q_SLOTS:
         QVERIFY2(asked()[2].atMs - activated < 60, qPrintable(QString::number(asked()[2].atMs - activated)));
     }
 
-    void notConfigured_data() { FixtureTree::addRows("banner/parked.tsv", {"server", "unit"}); }
+    void notConfigured_data() { FixtureTree::addRows("parked.tsv", {"server", "unit"}); }
     void notConfigured()
     {
         QFETCH(QString, server);
@@ -355,45 +266,7 @@ private Q_SLOTS:
             QCOMPARE(b.second->codes.size(), b.second->codes.first() == Arrival ? 2 : 1);
         QVERIFY(m_server.requests("/parked/v1/banner").isEmpty());
     }
-
-    void externalAddress_data()
-    {
-        QTest::addColumn<QString>("url");
-        QTest::addColumn<int>("timeoutMs");
-        QTest::addColumn<QString>("expected"); // empty: an error text, not the address
-        const QByteArray address = "203.0.113.7\n" + QByteArray(1024 - 12, ' '); // exactly the default 1 KiB cap
-        m_server.routeReply("/address", address);
-        m_server.routeReply("/non-ascii", "203.0.113.7 \xC3\xA9t\xC3\xA9");
-        QTest::newRow("body of exactly 1 KiB") << m_server.url("/address").toString() << 3000 << QString::fromLatin1(address);
-        QTest::newRow("non-ASCII body") << m_server.url("/non-ascii").toString() << 3000 << "The response is not ASCII text.";
-        QTest::newRow("no endpoint configured") << "" << 3000 << "No external address endpoint is configured";
-        QTest::newRow("https, not plain HTTP") << "https://127.0.0.1:1/" << 3000 << "The external address endpoint is not a plain HTTP address";
-        QTest::newRow("no host") << "http:///path" << 3000 << "The external address endpoint is not a plain HTTP address";
-        // The announced length alone ends nothing here: the body is read, up to the cap, until the deadline.
-        const QString timedOut = QStringLiteral("The request timed out.");
-        const QString expected[] = {timedOut, QStringLiteral("The response is too large to be an address."), timedOut, {}, {}};
-        for (const HostileServer &hostile : HostileServer::all()) {
-            const QByteArray path = "/address/" + QByteArray(hostile.name).replace(' ', '-');
-            m_server.route(path, hostile.serving(address));
-            QTest::newRow(qPrintable(QStringLiteral("server %1").arg(hostile.name))) << m_server.url(path).toString()
-                                                                                     << (expected[hostile.refusal] == timedOut ? 80 : 3000) << expected[hostile.refusal];
-        }
-    }
-    void externalAddress()
-    {
-        QFETCH(QString, url);
-        QFETCH(int, timeoutMs);
-        QFETCH(QString, expected);
-        NetworkInfoReader reader(QStringLiteral("/"), NetworkInfoReader::Seams{});
-        reader.setExternalIPUrl(url);
-        reader.setExternalIPTimeout(timeoutMs);
-        const QString result = reader.externalIPAddress();
-        if (expected.isEmpty())
-            QVERIFY2(!result.isEmpty() && !result.contains(u"203.0"), qPrintable(result));
-        else
-            QCOMPARE(result, expected);
-    }
 };
 
-QTEST_MAIN(TestHttpClients)
-#include "tst_httpclients.moc"
+QTEST_MAIN(TestGADBannerView)
+#include "tst_gadbannerview.moc"

@@ -83,7 +83,7 @@ class TestADControl : public QObject
 private Q_SLOTS:
     void init() { if (!GADBannerView::configuredServerUrl().isEmpty()) QSKIP("This build has an ad server, which the banners would ask."); }
 
-    void states_data() { FixtureTree::addRows("banner/slot-states.tsv", {"screen", "events", "expected"}); }
+    void states_data() { FixtureTree::addRows("slot-states.tsv", {"screen", "events", "expected"}); }
     void states()
     {
         QFETCH(QString, screen);

@@ -56,7 +56,7 @@ class TestDevice : public QObject
 private Q_SLOTS:
     void initTestCase() { QVERIFY2(startUPower(), "no private bus with a mock UPower"); }
 
-    void sysfsBattery_data() { FixtureTree::addRows("app-tables/device-sysfs.tsv", {"tree", "read", "change", "then", "signals"}); }
+    void sysfsBattery_data() { FixtureTree::addRows("device-sysfs.tsv", {"tree", "read", "change", "then", "signals"}); }
     void sysfsBattery()
     {
         QFETCH(QString, tree);
@@ -86,7 +86,7 @@ private Q_SLOTS:
         QCOMPARE(figures(device), QStringLiteral("-1 Unknown"));
     }
 
-    void upower_data() { FixtureTree::addRows("app-tables/device-upower.tsv", {"display", "change", "then", "signals"}); }
+    void upower_data() { FixtureTree::addRows("device-upower.tsv", {"display", "change", "then", "signals"}); }
     void upower()
     {
         QFETCH(QString, display);

@@ -25,7 +25,7 @@ private Q_SLOTS:
         QVERIFY(bus.startMock(kService, {"--system", "--is-object-manager", kService, kManagerPath, kService}));
     }
 
-    void carrier_data() { FixtureTree::addRows("app-tables/carrier.tsv", {"modems", "expected"}); }
+    void carrier_data() { FixtureTree::addRows("carrier.tsv", {"modems", "expected"}); }
     void carrier()
     {
         QFETCH(QString, modems);

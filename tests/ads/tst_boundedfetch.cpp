@@ -1,0 +1,94 @@
+#include "BoundedFetch.h"
+#include "LoopbackHttpServer.h"
+
+#include <QNetworkAccessManager>
+#include <QtTest>
+
+// One GET from an untrusted server: the body whole when it is good and within the cap, and
+// otherwise exactly one failure, in time, whatever the server does.
+class TestBoundedFetch : public QObject {
+    Q_OBJECT
+
+    LoopbackHttpServer m_server;
+    QNetworkAccessManager m_manager;
+    const QByteArray m_body = QByteArray(4096, 'k');
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_server.listen(QHostAddress::LocalHost));
+        m_server.routeReply("/good", m_body);
+        m_server.route("/moved", [](QTcpSocket *socket, const QByteArray &) {
+            LoopbackHttpServer::reply(socket, "301 Moved Permanently", {},
+                                      "Location: http://127.0.0.1:" + QByteArray::number(socket->localPort()) + "/good\r\n");
+        });
+    }
+
+    void fetch_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<int>("timeoutMs");
+        QTest::addColumn<int>("code"); // -1: succeeded with the good body
+        QTest::newRow("a good body") << "/good" << 3000 << -1;
+        QTest::newRow("a redirect to http") << "/moved" << 3000 << -1;
+        QTest::newRow("connection refused") << "http://127.0.0.1:1/" << 3000 << int(GADRequestError::NetworkError);
+        const GADRequestError::Code codes[] = {GADRequestError::Timeout, GADRequestError::TooLarge,
+                                               GADRequestError::TooLarge, GADRequestError::ServerError,
+                                               GADRequestError::NetworkError};
+        for (const HostileServer &hostile : HostileServer::all()) {
+            const QByteArray path = "/hostile/" + QByteArray(hostile.name).replace(' ', '-');
+            m_server.route(path, hostile.serving(m_body));
+            QTest::newRow(hostile.name) << QString::fromLatin1(path)
+                                        << (hostile.refusal == HostileServer::Timeout ? 150 : 3000)
+                                        << int(codes[hostile.refusal]);
+        }
+    }
+    void fetch()
+    {
+        QFETCH(QString, path);
+        QFETCH(int, timeoutMs);
+        QFETCH(int, code);
+        const QUrl url = path.startsWith(u"http") ? QUrl(path) : m_server.url(path.toLatin1());
+        BoundedFetch fetch(&m_manager, url, 1 << 20, timeoutMs);
+        QSignalSpy finished(&fetch, &BoundedFetch::finished);
+        QVERIFY(finished.wait(timeoutMs + 2000));
+        QCOMPARE(fetch.succeeded(), code == -1);
+        if (code == -1)
+            QCOMPARE(fetch.body(), m_body);
+        else
+            QCOMPARE(int(fetch.error().code), code);
+        QTest::qWait(50); // nothing comes after the end
+        QCOMPARE(finished.count(), 1);
+    }
+
+    void cancelledFetchSaysNothing()
+    {
+        m_server.route("/stall", [](QTcpSocket *, const QByteArray &) {});
+        BoundedFetch fetch(&m_manager, m_server.url("/stall"), 1 << 20, 100);
+        QSignalSpy finished(&fetch, &BoundedFetch::finished);
+        fetch.cancel();
+        QTest::qWait(300); // past the deadline
+        QCOMPARE(finished.count(), 0);
+    }
+
+    void webAddresses_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<bool>("web");
+        QTest::newRow("http") << "http://example.org/a" << true;
+        QTest::newRow("https with a port") << "https://example.org:8443/" << true;
+        QTest::newRow("no host") << "http:///path" << false;
+        QTest::newRow("file") << "file:///etc/hostname" << false;
+        QTest::newRow("javascript") << "javascript:alert(1)" << false;
+        QTest::newRow("data") << "data:text/plain,hi" << false;
+        QTest::newRow("relative") << "/v1/banner" << false;
+    }
+    void webAddresses()
+    {
+        QFETCH(QString, url);
+        QTEST(BoundedFetch::isWebUrl(QUrl(url)), "web");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestBoundedFetch)
+#include "tst_boundedfetch.moc"

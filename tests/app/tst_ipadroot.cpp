@@ -1,0 +1,199 @@
+#include "ADControl.h"
+#include "ADControlForiPad.h"
+#include "Device.h"
+#include "FixtureTree.h"
+#include "StatCore.h"
+#include "DotPageControl.h"
+#include "LabelView.h"
+#include "OOHistogramView.h"
+#include "PagingScrollView.h"
+#include "RenderProbe.h"
+#include "iPadNetworkViewController.h"
+#include "iPadProcessesViewConroller.h"
+#include "iPadRootViewController.h"
+#include "iPadSystemViewController.h"
+#include "iPadTotalViewController.h"
+
+#include <QtTest>
+#include <QtWidgets>
+
+namespace {
+
+QString text(const QRect &r)
+{
+    return QStringLiteral("%1 %2 %3 %4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+}
+
+} // namespace
+
+// The tablet's root screen: its frames, the summary panel it feeds, and the pager of the
+// system and network panels inside it.
+class TestIPadRoot : public QObject {
+    Q_OBJECT
+
+    // A machine of its own: a copy of a laptop's proc tree whose CPU ticks the tests set,
+    // its battery, and network queries that all fail, quietly.
+    QTemporaryDir machine;
+    StatCore core{machine.path(), machine.path(), 4096, SystemInfoReader::SystemCalls{}, NetworkInfoReader::Seams{}};
+    Device device{FixtureTree::path(QStringLiteral("power_supply/laptop-discharging"))};
+    iPadRootViewController *tablet = nullptr;
+
+    // The tablet's parts by name, each to be found in its own parent.
+    QMap<QString, QWidget *> tabletParts()
+    {
+        iPadTotalViewController *summary = tablet->totalViewController();
+        return {{"title", tablet->titleLabel()}, {"summary", summary}, {"footer", tablet->footerLabel()},
+                {"processes", summary->processesViewController()}, {"dots", summary->pageControl()},
+                {"pager", summary->pager()}, {"system", summary->systemViewController()},
+                {"network", summary->networkViewController()}};
+    }
+    QStringList tabletGeometries()
+    {
+        QStringList frames;
+        for (QWidget *part : tabletParts())
+            frames << text(part->geometry());
+        return frames;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats*.warning=false"));
+        QVERIFY(FixtureTree::copy(FixtureTree::path(QStringLiteral("proc-x86-laptop")), machine.path()));
+        QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1000, 1000, 1000));
+        tablet = new iPadRootViewController(&core, &device);
+        tablet->resize(768, 1004);
+        tablet->viewDidLoad();
+        tablet->show();
+        QVERIFY(QTest::qWaitForWindowExposed(tablet));
+    }
+    void cleanupTestCase() { delete tablet; }
+
+    // What the panels show before the first tick: the root sends every figure but the CPU's.
+    void firstFigures()
+    {
+        iPadTotalViewController *summary = tablet->totalViewController();
+        QCOMPARE(summary->memoryPhysicalText(), QStringLiteral(" 24GB"));
+        QVERIFY(summary->diskTotalSpaceText().endsWith(u"GB"));
+        QCOMPARE(summary->processesViewController()->totalText(), QStringLiteral("Total:  8"));
+        QVERIFY(summary->systemViewController()->tableData().has_value());
+        QCOMPARE(summary->cpuUsageText(), QStringLiteral("0.0%"));
+    }
+
+    void tabletFrames_data() { FixtureTree::addRows("tablet-frames.tsv", {"part", "frame"}); }
+    void tabletFrames()
+    {
+        QFETCH(QString, part);
+        QFETCH(QString, frame);
+        QCOMPARE(text(tabletParts().value(part)->geometry()), frame);
+    }
+
+    void swipeEndSetsPage_data()
+    {
+        QTest::addColumn<int>("offset");
+        QTest::addColumn<int>("page");
+        QTest::newRow("a page is half the summary panel") << 384 << 1;
+        QTest::newRow("just short of the second page") << 383 << 0;
+    }
+    void swipeEndSetsPage()
+    {
+        QFETCH(int, offset);
+        QFETCH(int, page);
+        iPadTotalViewController *summary = tablet->totalViewController();
+        summary->pageControl()->setCurrentPage(1 - page);
+        summary->pager()->setContentOffset(QPointF(offset, 0), false);
+        summary->scrollViewDidEndDecelerating(summary->pager());
+        QCOMPARE(summary->pageControl()->currentPage(), page);
+    }
+
+    void tabletTick()
+    {
+        iPadTotalViewController *summary = tablet->totalViewController();
+        QTimer *timer = tablet->systemStateGetTimer();
+        QVERIFY(timer->isActive() && !timer->isSingleShot());
+        QCOMPARE(timer->interval(), 2000);
+        summary->setMemoryUsageData(MemoryUsageData{});
+        summary->processesViewController()->setProcData(QList<ProcessRecord>{});
+        const QString noMemory = summary->memoryTotalText();
+        const qsizetype before = summary->cpuHistogramView()->itemData().size();
+        const auto samples = [=] { return summary->cpuHistogramView()->itemData().size() - before; };
+        // Each time the process list arrives: the CPU samples taken so far, and whether memory came.
+        QStringList seen;
+        QObject tick;
+        const auto arrived = [&] { seen << QStringLiteral("%1 %2").arg(samples()).arg(summary->memoryTotalText() != noMemory); };
+        QAbstractItemModel *list = summary->processesViewController()->tableView()->model();
+        connect(list, &QAbstractItemModel::rowsInserted, &tick, arrived);
+        connect(list, &QAbstractItemModel::dataChanged, &tick, arrived);
+        connect(timer, &QTimer::timeout, &tick, [timer] { timer->stop(); }); // one tick only
+        QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1030, 1010, 1060)); // 40 % busy over the tick
+        timer->start(1);
+        QTRY_VERIFY_WITH_TIMEOUT(!timer->isActive(), 3000);
+        QCOMPARE(seen.join(u'|'), QStringLiteral("1 1"));
+        QCOMPARE(samples(), 1);
+        QCOMPARE(summary->cpuUsageText(), QStringLiteral(" 40.0%")); // a second sample in the tick would span no time
+    }
+
+    void tabletSwipeTurnsPage()
+    {
+        iPadTotalViewController *summary = tablet->totalViewController();
+        summary->pager()->setContentOffset(QPointF(0, 0), false);
+        summary->pageControl()->setCurrentPage(0);
+        // A sideways wheel notch over the pager, as the window system delivers it, moves it one
+        // page and ends like a swipe.
+        const QPointF over = summary->pager()->mapTo(tablet, QPointF(100, 100));
+        QWheelEvent wheel(over, tablet->mapToGlobal(over), QPoint(), QPoint(-120, 0), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QSpontaneKeyEvent::setSpontaneous(&wheel);
+        qApp->notify(tablet->windowHandle(), &wheel);
+        QTRY_COMPARE_WITH_TIMEOUT(summary->pageControl()->currentPage(), 1, 3000);
+        QCOMPARE(summary->pager()->contentOffset().x(), 384.0);
+        // The second dot is the bright one.
+        DotPageControl *dots = summary->pageControl();
+        QImage image(dots->size(), QImage::Format_ARGB32);
+        image.fill(Qt::black);
+        dots->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        const auto dot = [&](int page) { return RenderProbe::at(image, dots->dotRect(page).center().x(), dots->dotRect(page).center().y()); };
+        QVERIFY(RenderProbe::near(dot(1), Qt::white, 16) && !RenderProbe::near(dot(0), Qt::white, 60));
+    }
+
+    void tabletBannerMovesNothing()
+    {
+        ADControlForiPad *banners = ADControlForiPad::defaultsADForiPad();
+        QCOMPARE(banners->viewController(), tablet);
+        QCOMPARE(banners->yPoint(), 914.0f); // the banner slot is the footer band
+        const QStringList before = tabletGeometries();
+        QSignalSpy posted(ADControl::defaultsAD(), &ADControl::ReceiveAd);
+        banners->adViewDidReceiveAd(banners->adMobBanner());
+        QCoreApplication::processEvents();
+        QCOMPARE(posted.count(), 0);
+        QCOMPARE(tabletGeometries(), before);
+    }
+
+    void tabletOrientations_data()
+    {
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<QString>("turns"); // root, summary, processes, system, network
+        QTest::newRow("upright") << 1 << "11111";
+        QTest::newRow("upside down: only the system and network panels") << 2 << "00011";
+        QTest::newRow("landscape right") << 3 << "00011";
+        QTest::newRow("landscape left") << 4 << "00011";
+    }
+    void tabletOrientations()
+    {
+        QFETCH(int, orientation);
+        QFETCH(QString, turns);
+        const auto o = InterfaceOrientation(orientation);
+        iPadTotalViewController *summary = tablet->totalViewController();
+        const bool answers[] = {tablet->shouldAutorotateToInterfaceOrientation(o), summary->shouldAutorotateToInterfaceOrientation(o),
+                                summary->processesViewController()->shouldAutorotateToInterfaceOrientation(o),
+                                summary->systemViewController()->shouldAutorotateToInterfaceOrientation(o),
+                                summary->networkViewController()->shouldAutorotateToInterfaceOrientation(o)};
+        QString seen;
+        for (bool answer : answers)
+            seen += answer ? u'1' : u'0';
+        QCOMPARE(seen, turns);
+    }
+};
+
+QTEST_MAIN(TestIPadRoot)
+#include "tst_ipadroot.moc"

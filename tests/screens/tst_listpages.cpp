@@ -1,0 +1,145 @@
+#include "FixtureTree.h"
+#include "PageProbe.h"
+#include "FontTable.h"
+#include "InfoTableModel.h"
+#include "ProcessTableModel.h"
+#include "iPadNetworkViewController.h"
+#include "iPadProcessesViewConroller.h"
+#include "iPadSystemViewController.h"
+#include "iPhoneNetworkViewController.h"
+#include "iPhoneProcessesViewController.h"
+#include "iPhoneSystemViewController.h"
+
+#include <QtTest>
+
+using namespace PageProbe;
+
+// The list pages (processes, system, network) in their phone and tablet frames: what they
+// show of the records they are sent, and how their rows are laid out and striped.
+class TestListPages : public QObject {
+    Q_OBJECT
+
+    iPhoneProcessesViewController processes;
+    iPhoneSystemViewController system;
+    iPhoneNetworkViewController network;
+    // Taller and wider than the summary panel makes them.
+    iPadProcessesViewConroller tabletProcesses;
+    iPadSystemViewController tabletSystem;
+    iPadNetworkViewController tabletNetwork;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const auto build = [](auto &page) { page.resize(320, 460); page.viewDidLoad(); };
+        build(processes), build(system), build(network);
+        for (ListPage *panel : std::initializer_list<ListPage *>{&tabletProcesses, &tabletSystem, &tabletNetwork})
+            panel->initWithFrame(QRect(0, 0, 500, 600));
+        // Empty until the root screen sends a record: a page reads no statistics of its own.
+        QVERIFY(processes.tableData().isEmpty() && !system.tableData() && !network.tableData());
+    }
+
+    void processFigures_data() { FixtureTree::addRows("processes-figures.tsv", {"count", "usage", "texts"}); }
+    void processFigures()
+    {
+        QFETCH(QString, count);
+        QFETCH(QString, usage);
+        QFETCH(QString, texts);
+        processes.setProcData(records(count.toInt()));
+        processes.setCpuUsageData(CpuUsageData{1, 2, 3, usage.toDouble()});
+        QCOMPARE(processes.totalText() + u'|' + processes.cpuUsageText(), texts);
+    }
+
+    void processRows()
+    {
+        QAbstractItemModel *model = processes.tableView()->model();
+        processes.setProcData(records(5));
+        QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
+        QSignalSpy removed(model, &QAbstractItemModel::rowsRemoved);
+        processes.setProcData(records(2, QStringLiteral("next"))); // shorter, and the kept rows show new texts
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(removed.value(0).mid(1), QVariantList({2, 4})); // rows 2 to 4 gone
+        const auto text = [model](int role) { return model->index(1, 0).data(role).toString(); };
+        QCOMPARE(QStringList({text(ProcessTableModel::PidRole), text(ProcessTableModel::ProcessNameRole),
+                              text(ProcessTableModel::StartTimeRole), text(ProcessTableModel::PriorityRole)}).join(u' '),
+                 QStringLiteral("1001 next1 7:01 19"));
+        processes.setProcData(std::nullopt); // a list that cannot be read keeps the rows shown
+        QCOMPARE(processes.totalText() + QString::number(model->rowCount()), QStringLiteral("Total:  22"));
+
+        // Odd rows are striped, and the stripe moves with its row when the table scrolls.
+        processes.setProcData(records(40));
+        const auto lightness = [this](int row) { return at(processes, row, QPointF(286, 3)).lightness(); };
+        QVERIFY(lightness(1) < lightness(0));
+        QCOMPARE(lightness(2), lightness(0));
+        processes.tableView()->verticalScrollBar()->setValue(40);
+        QVERIFY(lightness(1) < lightness(2));
+
+        // The kernel's largest pid is drawn whole: its last digit, not an ellipsis on the baseline, shows
+        // above the row's middle, past the column's own 50 points.
+        processes.setProcData(QList<ProcessRecord>{{QStringLiteral("4194304"), {}, {}, {}}});
+        const QImage shot = processes.grab().toImage();
+        const QPoint pid = processes.tableView()->viewport()->mapTo(&processes, QPoint(5, 0));
+        const QFontMetrics metrics(FontTable::font(QStringLiteral("Helvetica-Bold"), 14));
+        int lit = 0;
+        for (int x = metrics.horizontalAdvance(QStringLiteral("419430")) + 1; x < metrics.horizontalAdvance(QStringLiteral("4194304")); ++x)
+            for (int y = 0; y < 19; ++y)
+                lit += RenderProbe::at(shot, pid.x() + x, pid.y() + y).lightness() > 160;
+        QVERIFY(lit > 0);
+    }
+
+    void listFrames_data()
+    {
+        FixtureTree::addRows("list-frames.tsv", {"page", "frames", "titleSize", "priority"});
+    }
+    void listFrames()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, frames);
+        QFETCH(QString, titleSize);
+        QFETCH(QString, priority);
+        const QMap<QString, ListPage *> pages{{"phone processes", &processes}, {"tablet processes", &tabletProcesses},
+                                              {"tablet system", &tabletSystem}, {"tablet network", &tabletNetwork}};
+        ListPage *list = pages.value(page);
+        const LabelView *title = label(*list, list->title());
+        QVERIFY(title);
+        QCOMPARE(QStringList({text(list->baseView()->geometry()), text(list->panelBackground()->geometry()),
+                              text(list->tableView()->geometry()), text(title->geometry())}).join(u'|'), frames);
+        QCOMPARE(title->font().pixelSize(), titleSize.toInt());
+        const LabelView *header = label(*list, QStringLiteral("Priority"));
+        QCOMPARE(header ? QString(header->alignment() == Qt::AlignHCenter ? "centre" : "left") : QString(), priority);
+    }
+
+    void tabletRowsKeepTheirWidth_data()
+    {
+        QTest::addColumn<int>("page");
+        QTest::newRow("processes") << 0;
+        QTest::newRow("system") << 1;
+        QTest::newRow("network") << 2;
+    }
+    void tabletRowsKeepTheirWidth()
+    {
+        QFETCH(int, page);
+        tabletProcesses.setProcData(records(3));
+        tabletSystem.setInfoData(record({"DeviceInfo"}, {2}));
+        tabletNetwork.setInfoData(record({"CommonInfo"}, {2}));
+        ListPage *list = QList<ListPage *>{&tabletProcesses, &tabletSystem, &tabletNetwork}[page];
+        const int first = page == 0 ? 0 : static_cast<InfoTableModel *>(list->tableView()->model())->dataRow(0, 0);
+        // In a table 460 points wide, the odd row's stripe still ends at 344.
+        const auto striped = [&](qreal x) { return at(*list, first + 1, QPointF(x, 3)).lightness() < at(*list, first, QPointF(x, 3)).lightness(); };
+        QVERIFY(striped(342));
+        QVERIFY(!striped(346));
+    }
+
+    void missingInfoRecords()
+    {
+        // The system page keeps what it shows; the network page empties its table.
+        const std::optional<InfoDictionary> before = system.tableData();
+        system.setInfoData(std::nullopt);
+        QCOMPARE(system.tableData(), before);
+        network.setInfoData(std::nullopt);
+        QVERIFY(!network.tableData());
+        QCOMPARE(network.tableModel()->rowCount(), 6);
+    }
+};
+
+QTEST_MAIN(TestListPages)
+#include "tst_listpages.moc"
