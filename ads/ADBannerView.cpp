@@ -10,15 +10,15 @@ ADBannerView::ADBannerView(const QRect &frame, QWidget *parent)
 
 void ADBannerView::setRequiredContentSizeIdentifiers(const QSet<QString> &identifiers)
 {
-    m_required = identifiers;
+    _required = identifiers;
 }
 
 void ADBannerView::setCurrentContentSizeIdentifier(const QString &identifier)
 {
-    m_current = identifier;
+    _current = identifier;
 }
 
 void ADBannerView::setDelegate(ADBannerViewDelegate *delegate)
 {
-    m_delegate = delegate;
+    _delegate = delegate;
 }

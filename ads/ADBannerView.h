@@ -18,15 +18,15 @@ public:
 
     explicit ADBannerView(const QRect &frame, QWidget *parent = nullptr);
 
-    QSet<QString> requiredContentSizeIdentifiers() const { return m_required; }
+    QSet<QString> requiredContentSizeIdentifiers() const { return _required; }
     virtual void setRequiredContentSizeIdentifiers(const QSet<QString> &identifiers);
-    QString currentContentSizeIdentifier() const { return m_current; }
+    QString currentContentSizeIdentifier() const { return _current; }
     virtual void setCurrentContentSizeIdentifier(const QString &identifier);
-    ADBannerViewDelegate *delegate() const { return m_delegate; }
+    ADBannerViewDelegate *delegate() const { return _delegate; }
     virtual void setDelegate(ADBannerViewDelegate *delegate);
 
 private:
-    QSet<QString> m_required;
-    QString m_current;
-    ADBannerViewDelegate *m_delegate = nullptr;
+    QSet<QString> _required;
+    QString _current;
+    ADBannerViewDelegate *_delegate = nullptr;
 };

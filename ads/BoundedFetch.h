@@ -28,9 +28,9 @@ public:
     // Stops the exchange without a finished() signal.
     void cancel();
 
-    bool succeeded() const { return m_succeeded; }
-    GADRequestError error() const { return m_error; }
-    QByteArray body() const { return m_body; }
+    bool succeeded() const { return _succeeded; }
+    GADRequestError error() const { return _error; }
+    QByteArray body() const { return _body; }
 
     static bool isWebUrl(const QUrl &url);
 
@@ -44,12 +44,12 @@ private:
     void fail(GADRequestError::Code code, const QString &description);
     void detachReply();
 
-    QPointer<QNetworkReply> m_reply;
-    QTimer m_deadline;
-    qint64 m_maxBytes;
-    int m_redirects = 0;
-    QByteArray m_body;
-    GADRequestError m_error;
-    bool m_succeeded = false;
-    bool m_done = false;
+    QPointer<QNetworkReply> _reply;
+    QTimer _deadline;
+    qint64 _maxBytes;
+    int _redirects = 0;
+    QByteArray _body;
+    GADRequestError _error;
+    bool _succeeded = false;
+    bool _done = false;
 };

@@ -31,51 +31,51 @@ QWidget *makeOpaque(QWidget *widget, const QColor &color)
 
 MonitorAppDelegate::MonitorAppDelegate(QSize windowSize, Device *device, QObject *parent)
     : QObject(parent)
-    , m_device(device ? device : Device::currentDevice())
-    , m_window(std::make_unique<QWidget>())
+    , _device(device ? device : Device::currentDevice())
+    , _window(std::make_unique<QWidget>())
 {
-    m_window->setWindowTitle(QStringLiteral("KOVAR"));
-    m_window->setWindowIcon(QIcon(QStringLiteral(":/icons/kovar.svg")));
+    _window->setWindowTitle(QStringLiteral("KOVAR"));
+    _window->setWindowIcon(QIcon(QStringLiteral(":/icons/kovar.svg")));
     // Linux's Quit key, named outright: platform themes without a key scheme have no Quit.
-    auto *quit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), m_window.get());
+    auto *quit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), _window.get());
     quit->setContext(Qt::ApplicationShortcut);
-    connect(quit, &QShortcut::activated, m_window.get(), &QWidget::close);
+    connect(quit, &QShortcut::activated, _window.get(), &QWidget::close);
     // Portrait only: whatever the window manager tries, the device screen keeps its shape.
-    m_window->setFixedSize(windowSize);
-    makeOpaque(m_window.get(), Qt::black);
+    _window->setFixedSize(windowSize);
+    makeOpaque(_window.get(), Qt::black);
 
-    m_statusBar = makeOpaque(new QWidget(m_window.get()), Qt::black);
-    m_statusBar->setObjectName(QStringLiteral("statusBar"));
-    m_statusBar->setGeometry(0, 0, windowSize.width(), LaunchIdiom::statusBarHeight);
+    _statusBar = makeOpaque(new QWidget(_window.get()), Qt::black);
+    _statusBar->setObjectName(QStringLiteral("statusBar"));
+    _statusBar->setGeometry(0, 0, windowSize.width(), LaunchIdiom::statusBarHeight);
 
-    m_rootView = new QWidget(m_window.get());
-    m_rootView->setObjectName(QStringLiteral("rootView"));
-    m_rootView->setGeometry(0, LaunchIdiom::statusBarHeight, windowSize.width(),
+    _rootView = new QWidget(_window.get());
+    _rootView->setObjectName(QStringLiteral("rootView"));
+    _rootView->setGeometry(0, LaunchIdiom::statusBarHeight, windowSize.width(),
                             windowSize.height() - LaunchIdiom::statusBarHeight);
 
-    m_window->installEventFilter(this);
+    _window->installEventFilter(this);
 }
 
 MonitorAppDelegate::~MonitorAppDelegate()
 {
-    if (m_application)
-        m_application->removeNativeEventFilter(this);
-    m_window->removeEventFilter(this);
+    if (_application)
+        _application->removeNativeEventFilter(this);
+    _window->removeEventFilter(this);
 }
 
 QWidget *MonitorAppDelegate::window() const
 {
-    return m_window.get();
+    return _window.get();
 }
 
 QWidget *MonitorAppDelegate::statusBar() const
 {
-    return m_statusBar;
+    return _statusBar;
 }
 
 QWidget *MonitorAppDelegate::rootView() const
 {
-    return m_rootView;
+    return _rootView;
 }
 
 bool MonitorAppDelegate::application(QGuiApplication *application, const LaunchOptions &didFinishLaunchingWithOptions)
@@ -83,21 +83,21 @@ bool MonitorAppDelegate::application(QGuiApplication *application, const LaunchO
     // Before the root screen is built: its banner asks the ad server as it is made.
     if (!didFinishLaunchingWithOptions.adServer.isEmpty())
         GADBannerView::setConfiguredServerUrl(didFinishLaunchingWithOptions.adServer);
-    if (application && application != m_application) {
-        if (m_application)
-            m_application->removeNativeEventFilter(this);
-        m_application = application;
+    if (application && application != _application) {
+        if (_application)
+            _application->removeNativeEventFilter(this);
+        _application = application;
         application->installNativeEventFilter(this);
         connect(application, &QGuiApplication::applicationStateChanged,
                 this, &MonitorAppDelegate::applicationStateDidChange);
         connect(application, &QCoreApplication::aboutToQuit, this, [this] {
-            applicationWillTerminate(m_application);
+            applicationWillTerminate(_application);
         });
     }
     // The status bar is the black band built with the window; the Summary page's battery
     // panel needs monitoring on before it reads the battery.
-    m_device->setBatteryMonitoringEnabled(true);
-    m_window->show();
+    _device->setBatteryMonitoringEnabled(true);
+    _window->show();
     return true;
 }
 
@@ -109,7 +109,7 @@ void MonitorAppDelegate::applicationWillResignActive(QGuiApplication *applicatio
 void MonitorAppDelegate::applicationDidEnterBackground(QGuiApplication *application)
 {
     Q_UNUSED(application);
-    m_device->setBatteryMonitoringEnabled(false);
+    _device->setBatteryMonitoringEnabled(false);
 }
 
 void MonitorAppDelegate::applicationWillEnterForeground(QGuiApplication *application)
@@ -120,7 +120,7 @@ void MonitorAppDelegate::applicationWillEnterForeground(QGuiApplication *applica
 void MonitorAppDelegate::applicationDidBecomeActive(QGuiApplication *application)
 {
     Q_UNUSED(application);
-    m_device->setBatteryMonitoringEnabled(true);
+    _device->setBatteryMonitoringEnabled(true);
 }
 
 void MonitorAppDelegate::applicationWillTerminate(QGuiApplication *application)
@@ -133,22 +133,22 @@ void MonitorAppDelegate::applicationStateDidChange(Qt::ApplicationState state)
     switch (state) {
     case Qt::ApplicationActive:
         // A minimised window stays in the background even if the application has focus.
-        if (m_minimised)
+        if (_minimised)
             return;
-        if (m_inBackground) {
-            m_inBackground = false;
-            applicationWillEnterForeground(m_application);
+        if (_inBackground) {
+            _inBackground = false;
+            applicationWillEnterForeground(_application);
         }
-        applicationDidBecomeActive(m_application);
+        applicationDidBecomeActive(_application);
         break;
     case Qt::ApplicationInactive:
-        applicationWillResignActive(m_application);
+        applicationWillResignActive(_application);
         break;
     case Qt::ApplicationHidden:
     case Qt::ApplicationSuspended:
-        if (!m_inBackground) {
-            m_inBackground = true;
-            applicationDidEnterBackground(m_application);
+        if (!_inBackground) {
+            _inBackground = true;
+            applicationDidEnterBackground(_application);
         }
         break;
     }
@@ -156,22 +156,22 @@ void MonitorAppDelegate::applicationStateDidChange(Qt::ApplicationState state)
 
 Device *MonitorAppDelegate::device() const
 {
-    return m_device;
+    return _device;
 }
 
 void MonitorAppDelegate::installRootView(QWidget *root)
 {
-    root->setParent(m_rootView);
-    root->setGeometry(m_rootView->rect());
+    root->setParent(_rootView);
+    root->setGeometry(_rootView->rect());
     root->show();
 }
 
 bool MonitorAppDelegate::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_window.get() && event->type() == QEvent::WindowStateChange) {
-        const bool minimised = m_window->windowState() & Qt::WindowMinimized;
-        if (minimised != m_minimised) {
-            m_minimised = minimised;
+    if (watched == _window.get() && event->type() == QEvent::WindowStateChange) {
+        const bool minimised = _window->windowState() & Qt::WindowMinimized;
+        if (minimised != _minimised) {
+            _minimised = minimised;
             // Desktop window managers seldom report a minimised application as hidden;
             // the window's own state says it. Restoring a window brings it to the front.
             applicationStateDidChange(minimised ? Qt::ApplicationHidden : Qt::ApplicationActive);
@@ -192,7 +192,7 @@ bool MonitorAppDelegate::nativeEventFilter(const QByteArray &eventType, void *me
         return false;
     std::uint32_t destroyed = 0;
     std::memcpy(&destroyed, bytes + 8, sizeof destroyed);
-    if (destroyed != 0 && destroyed == m_window->internalWinId())
-        QMetaObject::invokeMethod(m_window.get(), &QWidget::close, Qt::QueuedConnection);
+    if (destroyed != 0 && destroyed == _window->internalWinId())
+        QMetaObject::invokeMethod(_window.get(), &QWidget::close, Qt::QueuedConnection);
     return false;
 }

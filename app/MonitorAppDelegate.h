@@ -55,11 +55,11 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    Device *m_device;
-    std::unique_ptr<QWidget> m_window;
-    QWidget *m_statusBar = nullptr;
-    QWidget *m_rootView = nullptr;
-    QGuiApplication *m_application = nullptr;
-    bool m_inBackground = false;
-    bool m_minimised = false;
+    Device *_device;
+    std::unique_ptr<QWidget> _window;
+    QWidget *_statusBar = nullptr;
+    QWidget *_rootView = nullptr;
+    QGuiApplication *_application = nullptr;
+    bool _inBackground = false;
+    bool _minimised = false;
 };

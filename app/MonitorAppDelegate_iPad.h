@@ -18,5 +18,5 @@ public:
 
 private:
     // Owned by the window's hierarchy, not by the delegate.
-    iPadRootViewController *m_rootViewController = nullptr;
+    iPadRootViewController *_rootViewController = nullptr;
 };

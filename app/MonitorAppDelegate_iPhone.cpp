@@ -9,7 +9,7 @@ MonitorAppDelegate_iPhone::MonitorAppDelegate_iPhone(QSize windowSize, Device *d
 
 iPhoneRootViewController *MonitorAppDelegate_iPhone::rootViewController() const
 {
-    return m_rootViewController;
+    return _rootViewController;
 }
 
 bool MonitorAppDelegate_iPhone::application(QGuiApplication *application,
@@ -18,10 +18,10 @@ bool MonitorAppDelegate_iPhone::application(QGuiApplication *application,
     MonitorAppDelegate::application(application, didFinishLaunchingWithOptions);
     // The window is already visible when the root screen goes in, so the root screen
     // builds itself at its final size. A second launch call keeps the first root screen.
-    if (!m_rootViewController) {
-        m_rootViewController = new iPhoneRootViewController(nullptr, device());
-        installRootView(m_rootViewController);
-        m_rootViewController->viewDidLoad();
+    if (!_rootViewController) {
+        _rootViewController = new iPhoneRootViewController(nullptr, device());
+        installRootView(_rootViewController);
+        _rootViewController->viewDidLoad();
     }
     return true;
 }

@@ -18,5 +18,5 @@ public:
 
 private:
     // Owned by the window's hierarchy, not by the delegate.
-    iPhoneRootViewController *m_rootViewController = nullptr;
+    iPhoneRootViewController *_rootViewController = nullptr;
 };

@@ -42,15 +42,15 @@ TerminationSignals::TerminationSignals(QObject *parent)
 {
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, wakeFds) != 0)
         return;
-    m_notifier = new QSocketNotifier(wakeFds[1], QSocketNotifier::Read, this);
-    connect(m_notifier, &QSocketNotifier::activated, this, &TerminationSignals::readSignal);
+    _notifier = new QSocketNotifier(wakeFds[1], QSocketNotifier::Read, this);
+    connect(_notifier, &QSocketNotifier::activated, this, &TerminationSignals::readSignal);
     setDisposition(onTerminationSignal);
 }
 
 TerminationSignals::~TerminationSignals()
 {
     setDisposition(SIG_DFL);
-    delete m_notifier;
+    delete _notifier;
     for (int &fd : wakeFds) {
         if (fd >= 0)
             ::close(fd);

@@ -19,5 +19,5 @@ public:
 private:
     void readSignal();
 
-    QSocketNotifier *m_notifier = nullptr;
+    QSocketNotifier *_notifier = nullptr;
 };

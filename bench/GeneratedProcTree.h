@@ -26,12 +26,12 @@ public:
     }
 
     explicit GeneratedProcTree(int processes, int pidMax = 32768)
-        : m_dir(memoryBackedTemplate())
-        , m_proc(QFile::encodeName(m_dir.path()) + "/proc")
-        , m_pidMax(pidMax)
+        : _dir(memoryBackedTemplate())
+        , _proc(QFile::encodeName(_dir.path()) + "/proc")
+        , _pidMax(pidMax)
     {
-        ::mkdir(m_proc.constData(), 0755);
-        writeFile(m_proc + "/meminfo",
+        ::mkdir(_proc.constData(), 0755);
+        writeFile(_proc + "/meminfo",
                   "MemTotal:        8048576 kB\nMemFree:         1200000 kB\nMemAvailable:    5000000 kB\n"
                   "Active:          3000000 kB\nInactive:        2500000 kB\n");
         advanceClock();
@@ -39,20 +39,20 @@ public:
             spawn();
     }
 
-    QString root() const { return m_dir.path(); }
-    qsizetype processCount() const { return m_live.size(); }
+    QString root() const { return _dir.path(); }
+    qsizetype processCount() const { return _live.size(); }
 
     // One refresh period: the CPU counters move on and count processes are replaced
     // by new ones, picked at random.
     void churn(int count)
     {
         advanceClock();
-        for (int i = 0; i < count && !m_live.isEmpty(); ++i) {
-            const qsizetype victim = std::uniform_int_distribution<qsizetype>(0, m_live.size() - 1)(m_random);
-            const int pid = m_live.at(victim);
-            m_live.removeAt(victim);
-            m_used.remove(pid);
-            const QByteArray dir = m_proc + '/' + QByteArray::number(pid);
+        for (int i = 0; i < count && !_live.isEmpty(); ++i) {
+            const qsizetype victim = std::uniform_int_distribution<qsizetype>(0, _live.size() - 1)(_random);
+            const int pid = _live.at(victim);
+            _live.removeAt(victim);
+            _used.remove(pid);
+            const QByteArray dir = _proc + '/' + QByteArray::number(pid);
             ::unlink((dir + "/stat").constData());
             ::rmdir(dir.constData());
         }
@@ -71,23 +71,23 @@ private:
 
     void advanceClock()
     {
-        m_ticks += 200; // two seconds at 100 Hz, a quarter of them busy
-        writeFile(m_proc + "/stat", "cpu  " + QByteArray::number(m_ticks / 8) + " 0 " + QByteArray::number(m_ticks / 8)
-                                        + ' ' + QByteArray::number(m_ticks * 3 / 4) + " 0 0 0 0 0 0\nbtime 1700000000\n");
+        _ticks += 200; // two seconds at 100 Hz, a quarter of them busy
+        writeFile(_proc + "/stat", "cpu  " + QByteArray::number(_ticks / 8) + " 0 " + QByteArray::number(_ticks / 8)
+                                        + ' ' + QByteArray::number(_ticks * 3 / 4) + " 0 0 0 0 0 0\nbtime 1700000000\n");
     }
 
     void spawn()
     {
         do {
-            m_nextPid = m_nextPid >= m_pidMax ? 300 : m_nextPid + 1;
-        } while (m_used.contains(m_nextPid));
-        const int pid = m_nextPid;
-        m_used.insert(pid);
-        m_live.append(pid);
-        const QByteArray dir = m_proc + '/' + QByteArray::number(pid);
+            _nextPid = _nextPid >= _pidMax ? 300 : _nextPid + 1;
+        } while (_used.contains(_nextPid));
+        const int pid = _nextPid;
+        _used.insert(pid);
+        _live.append(pid);
+        const QByteArray dir = _proc + '/' + QByteArray::number(pid);
         ::mkdir(dir.constData(), 0755);
-        const QByteArray line = QByteArray::number(pid) + " (worker-" + QByteArray::number(++m_serial)
-            + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 " + QByteArray::number(m_ticks)
+        const QByteArray line = QByteArray::number(pid) + " (worker-" + QByteArray::number(++_serial)
+            + ") S 1 1 0 0 -1 4194560 1523 0 0 0 12 7 0 0 20 0 1 0 " + QByteArray::number(_ticks)
             + " 5435392 710 18446744073709551615 94815633768448 94815634557853 140734943515104 0 0 0 65536 "
               "3670016 1132560123 1 0 0 17 1 0 0 0 0 0 94815634791152 94815634839396 94816016547840 "
               "140734943517498 140734943517513 140734943517513 140734943518698 0\n";
@@ -104,13 +104,13 @@ private:
         ::close(fd);
     }
 
-    QTemporaryDir m_dir;
-    QByteArray m_proc;
-    int m_pidMax;
-    int m_nextPid = 0;
-    quint64 m_serial = 0;
-    quint64 m_ticks = 0;
-    QList<int> m_live;
-    QSet<int> m_used;
-    std::mt19937 m_random{16};
+    QTemporaryDir _dir;
+    QByteArray _proc;
+    int _pidMax;
+    int _nextPid = 0;
+    quint64 _serial = 0;
+    quint64 _ticks = 0;
+    QList<int> _live;
+    QSet<int> _used;
+    std::mt19937 _random{16};
 };

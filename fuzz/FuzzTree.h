@@ -20,11 +20,11 @@
 class FuzzTree {
 public:
     explicit FuzzTree(QByteArrayList allowedPrefixes)
-        : m_allowed(std::move(allowedPrefixes))
+        : _allowed(std::move(allowedPrefixes))
     {
     }
 
-    QString root() const { return m_dir.path(); }
+    QString root() const { return _dir.path(); }
 
     // Writes the tree of one input; false when nothing usable was in it.
     bool load(const std::uint8_t *data, std::size_t size)
@@ -39,7 +39,7 @@ public:
             const QByteArray path = record.left(newline);
             if (!isAllowed(path))
                 continue;
-            const QString file = m_dir.filePath(QString::fromLatin1(path));
+            const QString file = _dir.filePath(QString::fromLatin1(path));
             QDir().mkpath(QFileInfo(file).path());
             QFile out(file);
             if (out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
@@ -54,7 +54,7 @@ public:
     void loadOne(const QByteArray &path, const std::uint8_t *data, std::size_t size)
     {
         clear();
-        const QString file = m_dir.filePath(QString::fromLatin1(path));
+        const QString file = _dir.filePath(QString::fromLatin1(path));
         QDir().mkpath(QFileInfo(file).path());
         QFile out(file);
         if (out.open(QIODevice::WriteOnly | QIODevice::Truncate))
@@ -74,7 +74,7 @@ private:
                     return false;
             }
         }
-        for (const QByteArray &prefix : m_allowed) {
+        for (const QByteArray &prefix : _allowed) {
             if (path.startsWith(prefix))
                 return true;
         }
@@ -83,8 +83,8 @@ private:
 
     void clear()
     {
-        for (const QString &entry : QDir(m_dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) {
-            const QString path = m_dir.filePath(entry);
+        for (const QString &entry : QDir(_dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) {
+            const QString path = _dir.filePath(entry);
             if (QFileInfo(path).isDir())
                 QDir(path).removeRecursively();
             else
@@ -92,6 +92,6 @@ private:
         }
     }
 
-    QTemporaryDir m_dir;
-    QByteArrayList m_allowed;
+    QTemporaryDir _dir;
+    QByteArrayList _allowed;
 };

@@ -14,9 +14,9 @@ enum class Type { Counter, Gauge, Info };
 // its samples.
 class Writer {
 public:
-    explicit Writer(MetricsExposition::Format format) : m_openMetrics(format == MetricsExposition::Format::OpenMetrics)
+    explicit Writer(MetricsExposition::Format format) : _openMetrics(format == MetricsExposition::Format::OpenMetrics)
     {
-        m_out.reserve(4096);
+        _out.reserve(4096);
     }
 
     // name is the sample name (with _total or _info); OpenMetrics names the family without it.
@@ -24,25 +24,25 @@ public:
     {
         QByteArray family(name);
         const char *typeName = type == Type::Counter ? "counter" : "gauge";
-        if (m_openMetrics && type == Type::Counter)
+        if (_openMetrics && type == Type::Counter)
             family.chop(int(sizeof "_total") - 1);
-        if (m_openMetrics && type == Type::Info) {
+        if (_openMetrics && type == Type::Info) {
             family.chop(int(sizeof "_info") - 1);
             typeName = "info";
         }
-        m_out += "# HELP " + family + ' ' + help + '\n';
-        m_out += "# TYPE " + family + ' ' + typeName + '\n';
+        _out += "# HELP " + family + ' ' + help + '\n';
+        _out += "# TYPE " + family + ' ' + typeName + '\n';
     }
 
     // labels: "" or `name="value"` pairs already escaped, comma-separated.
     void sample(const char *name, const QByteArray &labels, const char *value)
     {
-        m_out += name;
+        _out += name;
         if (!labels.isEmpty())
-            m_out += '{' + labels + '}';
-        m_out += ' ';
-        m_out += value;
-        m_out += '\n';
+            _out += '{' + labels + '}';
+        _out += ' ';
+        _out += value;
+        _out += '\n';
     }
 
     void sample(const char *name, const QByteArray &labels, quint64 value)
@@ -57,14 +57,14 @@ public:
 
     QByteArray finish()
     {
-        if (m_openMetrics)
-            m_out += "# EOF\n";
-        return m_out;
+        if (_openMetrics)
+            _out += "# EOF\n";
+        return _out;
     }
 
 private:
-    bool m_openMetrics;
-    QByteArray m_out;
+    bool _openMetrics;
+    QByteArray _out;
 };
 
 // A label pair with the value escaped as both formats want: backslash, double quote, line feed.

@@ -14,19 +14,19 @@ class WatchedSocket : public QTcpSocket
 public:
     using QTcpSocket::QTcpSocket;
 
-    qint64 written() const { return m_written; }
+    qint64 written() const { return _written; }
 
 protected:
     qint64 writeData(const char *data, qint64 size) override
     {
         const qint64 done = QTcpSocket::writeData(data, size);
         if (done > 0)
-            m_written += done;
+            _written += done;
         return done;
     }
 
 private:
-    qint64 m_written = 0;
+    qint64 _written = 0;
 };
 
 } // namespace
@@ -42,20 +42,20 @@ MetricsListener::MetricsListener(QObject *parent) : MetricsListener(Limits{}, pa
 
 MetricsListener::MetricsListener(Limits limits, QObject *parent)
     : QTcpServer(parent)
-    , m_limits(limits)
-    , m_sweep(new QTimer(this))
+    , _limits(limits)
+    , _sweep(new QTimer(this))
 {
-    m_clock.start();
-    m_sweep->setInterval(m_limits.sweepMs);
-    connect(m_sweep, &QTimer::timeout, this, &MetricsListener::sweep);
+    _clock.start();
+    _sweep->setInterval(_limits.sweepMs);
+    connect(_sweep, &QTimer::timeout, this, &MetricsListener::sweep);
 }
 
 MetricsListener::~MetricsListener() = default;
 
 void MetricsListener::incomingConnection(qintptr descriptor)
 {
-    m_connections.removeIf([](const Connection &connection) { return !connection.socket; });
-    if (m_connections.size() >= m_limits.maxConnections) {
+    _connections.removeIf([](const Connection &connection) { return !connection.socket; });
+    if (_connections.size() >= _limits.maxConnections) {
         ::close(int(descriptor)); // a scraper that finds no room tries again at its next interval
         return;
     }
@@ -66,19 +66,19 @@ void MetricsListener::incomingConnection(qintptr descriptor)
     }
     // The HTTP server keeps every byte of a request until it is whole; past this the
     // rest waits in the kernel, and the request deadline ends it.
-    socket->setReadBufferSize(m_limits.requestBytes);
+    socket->setReadBufferSize(_limits.requestBytes);
     // The first request is awaited from the start: a client that connects and says nothing
     // holds a place no longer than a slow request does.
-    m_connections.append({socket, 0, m_clock.elapsed(), m_clock.elapsed()});
+    _connections.append({socket, 0, _clock.elapsed(), _clock.elapsed()});
     addPendingConnection(socket);
-    if (!m_sweep->isActive())
-        m_sweep->start();
+    if (!_sweep->isActive())
+        _sweep->start();
 }
 
 void MetricsListener::sweep()
 {
-    const qint64 now = m_clock.elapsed();
-    for (Connection &connection : m_connections) {
+    const qint64 now = _clock.elapsed();
+    for (Connection &connection : _connections) {
         WatchedSocket *socket = connection.socket;
         if (!socket)
             continue;
@@ -90,15 +90,15 @@ void MetricsListener::sweep()
         // The server reads a request inside a transaction that it commits once the request is whole.
         if (socket->isTransactionStarted() && connection.requestSince < 0)
             connection.requestSince = now;
-        const bool overdue = connection.requestSince >= 0 && now - connection.requestSince >= m_limits.requestMs;
-        const bool idle = connection.requestSince < 0 && now - connection.lastAnswer >= m_limits.idleMs;
+        const bool overdue = connection.requestSince >= 0 && now - connection.requestSince >= _limits.requestMs;
+        const bool idle = connection.requestSince < 0 && now - connection.lastAnswer >= _limits.idleMs;
         if (overdue || idle) {
             socket->abort();
             socket->deleteLater();
             connection.socket.clear();
         }
     }
-    m_connections.removeIf([](const Connection &connection) { return !connection.socket; });
-    if (m_connections.isEmpty())
-        m_sweep->stop();
+    _connections.removeIf([](const Connection &connection) { return !connection.socket; });
+    if (_connections.isEmpty())
+        _sweep->stop();
 }

@@ -38,8 +38,8 @@ private:
     struct Connection;
     void sweep();
 
-    Limits m_limits;
-    QTimer *m_sweep;
-    QElapsedTimer m_clock;
-    QList<Connection> m_connections;
+    Limits _limits;
+    QTimer *_sweep;
+    QElapsedTimer _clock;
+    QList<Connection> _connections;
 };

@@ -40,11 +40,11 @@ MetricsExposition::BatteryState batteryState(Device::BatteryState state)
 
 MetricsServer::MetricsServer(StatCore &core, Device *device, QObject *parent)
     : QAbstractHttpServer(parent)
-    , m_core(core)
-    , m_device(device)
+    , _core(core)
+    , _device(device)
 {
-    if (m_device)
-        m_device->setBatteryMonitoringEnabled(true);
+    if (_device)
+        _device->setBatteryMonitoringEnabled(true);
 }
 
 MetricsServer::~MetricsServer() = default;
@@ -53,24 +53,24 @@ bool MetricsServer::start(const QHostAddress &address, quint16 port, const Metri
 {
     auto *listener = new MetricsListener(limits, this);
     if (!listener->listen(address, port)) {
-        m_error = listener->errorString();
+        _error = listener->errorString();
         delete listener;
         return false;
     }
-    m_listener = listener;
+    _listener = listener;
     bind(listener);
     return true;
 }
 
 QString MetricsServer::target() const
 {
-    if (!m_listener)
+    if (!_listener)
         return {};
-    const QHostAddress address = m_listener->serverAddress();
+    const QHostAddress address = _listener->serverAddress();
     const QString host = address.protocol() == QAbstractSocket::IPv6Protocol
         ? QLatin1Char('[') + address.toString() + QLatin1Char(']')
         : address.toString();
-    return host + QLatin1Char(':') + QString::number(m_listener->serverPort());
+    return host + QLatin1Char(':') + QString::number(_listener->serverPort());
 }
 
 bool MetricsServer::handleRequest(const QHttpServerRequest &request, QTcpSocket *socket)
@@ -119,18 +119,18 @@ void MetricsServer::missingHandler(const QHttpServerRequest &request, QTcpSocket
 
 const QByteArray &MetricsServer::metrics(MetricsExposition::Format format)
 {
-    CachedBody &cached = m_cache[format == MetricsExposition::Format::OpenMetrics ? 1 : 0];
+    CachedBody &cached = _cache[format == MetricsExposition::Format::OpenMetrics ? 1 : 0];
     if (cached.age.isValid() && cached.age.elapsed() < cacheMs)
         return cached.body;
-    MetricsExposition::Sample sample = MetricsExposition::sample(m_core);
-    if (!m_deviceInfoAge.isValid() || m_deviceInfoAge.elapsed() >= deviceInfoMs) {
-        m_deviceInfo = MetricsExposition::deviceInfo(m_core);
-        m_deviceInfoAge.start();
+    MetricsExposition::Sample sample = MetricsExposition::sample(_core);
+    if (!_deviceInfoAge.isValid() || _deviceInfoAge.elapsed() >= deviceInfoMs) {
+        _deviceInfo = MetricsExposition::deviceInfo(_core);
+        _deviceInfoAge.start();
     }
-    sample.deviceInfo = m_deviceInfo;
-    if (m_device) {
-        sample.batteryLevel = m_device->batteryLevel();
-        sample.batteryState = batteryState(m_device->batteryState());
+    sample.deviceInfo = _deviceInfo;
+    if (_device) {
+        sample.batteryLevel = _device->batteryLevel();
+        sample.batteryState = batteryState(_device->batteryState());
     }
     cached.body = MetricsExposition::render(sample, format);
     cached.age.start();

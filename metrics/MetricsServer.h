@@ -28,11 +28,11 @@ public:
 
     // Listens on address and port (0: any free one); false with errorString() when it cannot.
     bool start(const QHostAddress &address, quint16 port, const MetricsListener::Limits &limits = {});
-    QString errorString() const { return m_error; }
+    QString errorString() const { return _error; }
     // Where the endpoint listens, as a scrape target: "127.0.0.1:9877", "[::1]:9877".
     QString target() const;
 
-    MetricsListener *listener() const { return m_listener; }
+    MetricsListener *listener() const { return _listener; }
 
 protected:
     bool handleRequest(const QHttpServerRequest &request, QTcpSocket *socket) override;
@@ -41,15 +41,15 @@ protected:
 private:
     const QByteArray &metrics(MetricsExposition::Format format);
 
-    StatCore &m_core;
-    QPointer<Device> m_device;
-    MetricsListener *m_listener = nullptr;
-    QString m_error;
+    StatCore &_core;
+    QPointer<Device> _device;
+    MetricsListener *_listener = nullptr;
+    QString _error;
     struct CachedBody {
         QByteArray body;
         QElapsedTimer age;
     };
-    CachedBody m_cache[2];
-    QList<std::pair<QByteArray, QString>> m_deviceInfo;
-    QElapsedTimer m_deviceInfoAge;
+    CachedBody _cache[2];
+    QList<std::pair<QByteArray, QString>> _deviceInfo;
+    QElapsedTimer _deviceInfoAge;
 };

@@ -52,11 +52,11 @@ float levelFromPercent(double percent)
 
 Device::Device(const QString &sysfsRoot, QObject *parent)
     : QObject(parent)
-    , m_sysfsRoot(sysfsRoot)
+    , _sysfsRoot(sysfsRoot)
 {
-    m_pollTimer = new QTimer(this);
-    m_pollTimer->setInterval(defaultPollInterval);
-    connect(m_pollTimer, &QTimer::timeout, this, &Device::readSysfs);
+    _pollTimer = new QTimer(this);
+    _pollTimer->setInterval(defaultPollInterval);
+    connect(_pollTimer, &QTimer::timeout, this, &Device::readSysfs);
 }
 
 Device::Device(const QDBusConnection &bus, const QString &sysfsRoot, QObject *parent)
@@ -64,17 +64,17 @@ Device::Device(const QDBusConnection &bus, const QString &sysfsRoot, QObject *pa
 {
     if (!bus.isConnected())
         return;
-    m_bus = bus;
-    m_serviceWatcher = new QDBusServiceWatcher(upowerService, bus,
+    _bus = bus;
+    _serviceWatcher = new QDBusServiceWatcher(upowerService, bus,
                                                QDBusServiceWatcher::WatchForRegistration
                                                    | QDBusServiceWatcher::WatchForUnregistration,
                                                this);
-    connect(m_serviceWatcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
-        if (m_monitoring)
+    connect(_serviceWatcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+        if (_monitoring)
             useUPower();
     });
-    connect(m_serviceWatcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
-        if (m_monitoring)
+    connect(_serviceWatcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
+        if (_monitoring)
             useSysfs();
     });
 }
@@ -101,9 +101,9 @@ Device *Device::currentDevice()
 
 void Device::setBatteryMonitoringEnabled(bool enabled)
 {
-    if (enabled == m_monitoring)
+    if (enabled == _monitoring)
         return;
-    m_monitoring = enabled;
+    _monitoring = enabled;
     if (enabled) {
         start();
     } else {
@@ -114,52 +114,52 @@ void Device::setBatteryMonitoringEnabled(bool enabled)
 
 bool Device::isBatteryMonitoringEnabled() const
 {
-    return m_monitoring;
+    return _monitoring;
 }
 
 float Device::batteryLevel() const
 {
-    return m_level;
+    return _level;
 }
 
 Device::BatteryState Device::batteryState() const
 {
-    return m_state;
+    return _state;
 }
 
 int Device::pollInterval() const
 {
-    return m_pollTimer->interval();
+    return _pollTimer->interval();
 }
 
 void Device::setPollInterval(int milliseconds)
 {
-    m_pollTimer->setInterval(std::max(1, milliseconds));
+    _pollTimer->setInterval(std::max(1, milliseconds));
 }
 
 bool Device::isUsingUPower() const
 {
-    return m_usingUPower;
+    return _usingUPower;
 }
 
 QString Device::name() const
 {
-    return DeviceIdentity(m_sysfsRoot).name();
+    return DeviceIdentity(_sysfsRoot).name();
 }
 
 QString Device::uniqueIdentifier() const
 {
-    return DeviceIdentity(m_sysfsRoot).uniqueIdentifier();
+    return DeviceIdentity(_sysfsRoot).uniqueIdentifier();
 }
 
 QString Device::systemName() const
 {
-    return DeviceIdentity(m_sysfsRoot).systemName();
+    return DeviceIdentity(_sysfsRoot).systemName();
 }
 
 QString Device::systemVersion() const
 {
-    return DeviceIdentity(m_sysfsRoot).systemVersion();
+    return DeviceIdentity(_sysfsRoot).systemVersion();
 }
 
 Device::BatteryState Device::stateFromUPower(uint upowerState)
@@ -191,7 +191,7 @@ Device::BatteryState Device::stateFromSysfsStatus(const QString &status)
 
 void Device::start()
 {
-    if (m_bus && m_bus->interface() && m_bus->interface()->isServiceRegistered(upowerService))
+    if (_bus && _bus->interface() && _bus->interface()->isServiceRegistered(upowerService))
         useUPower();
     else
         useSysfs();
@@ -199,22 +199,22 @@ void Device::start()
 
 void Device::stop()
 {
-    m_pollTimer->stop();
-    if (m_usingUPower) {
-        m_bus->disconnect(upowerService, displayDevicePath, propertiesInterface,
+    _pollTimer->stop();
+    if (_usingUPower) {
+        _bus->disconnect(upowerService, displayDevicePath, propertiesInterface,
                           QStringLiteral("PropertiesChanged"), this,
                           SLOT(upowerPropertiesChanged(QString, QVariantMap, QStringList)));
     }
-    m_usingUPower = false;
-    ++m_upowerGeneration;
-    m_upowerProperties.clear();
+    _usingUPower = false;
+    ++_upowerGeneration;
+    _upowerProperties.clear();
 }
 
 void Device::useUPower()
 {
     stop();
-    m_usingUPower = true;
-    m_bus->connect(upowerService, displayDevicePath, propertiesInterface,
+    _usingUPower = true;
+    _bus->connect(upowerService, displayDevicePath, propertiesInterface,
                    QStringLiteral("PropertiesChanged"), this,
                    SLOT(upowerPropertiesChanged(QString, QVariantMap, QStringList)));
     // The figures read so far stay until UPower's first answer replaces them.
@@ -225,7 +225,7 @@ void Device::useSysfs()
 {
     stop();
     readSysfs();
-    m_pollTimer->start();
+    _pollTimer->start();
 }
 
 void Device::fetchUPower()
@@ -233,11 +233,11 @@ void Device::fetchUPower()
     QDBusMessage call = QDBusMessage::createMethodCall(upowerService, displayDevicePath,
                                                        propertiesInterface, QStringLiteral("GetAll"));
     call << upowerDeviceInterface;
-    auto *watcher = new QDBusPendingCallWatcher(m_bus->asyncCall(call), this);
-    const quint64 generation = m_upowerGeneration;
+    auto *watcher = new QDBusPendingCallWatcher(_bus->asyncCall(call), this);
+    const quint64 generation = _upowerGeneration;
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, generation](QDBusPendingCallWatcher *w) {
         w->deleteLater();
-        if (generation == m_upowerGeneration)
+        if (generation == _upowerGeneration)
             upowerReply(w);
     });
 }
@@ -247,28 +247,28 @@ void Device::upowerReply(QDBusPendingCallWatcher *watcher)
     QDBusPendingReply<QVariantMap> reply = *watcher;
     if (reply.isError()) {
         // UPower is going away or has no display device: nothing trustworthy to show.
-        m_upowerProperties.clear();
+        _upowerProperties.clear();
         report(-1.0f, BatteryStateUnknown);
         return;
     }
-    m_upowerProperties = reply.value();
-    applyUPower(m_upowerProperties);
+    _upowerProperties = reply.value();
+    applyUPower(_upowerProperties);
 }
 
 void Device::upowerPropertiesChanged(const QString &interfaceName, const QVariantMap &changed,
                                      const QStringList &invalidated)
 {
-    if (!m_usingUPower || interfaceName != upowerDeviceInterface)
+    if (!_usingUPower || interfaceName != upowerDeviceInterface)
         return;
     // A partial set alone would read as "no battery": with nothing whole to patch (UPower
     // answered before its display device was ready), read the device whole again.
-    if (!invalidated.isEmpty() || m_upowerProperties.isEmpty()) {
+    if (!invalidated.isEmpty() || _upowerProperties.isEmpty()) {
         fetchUPower();
         return;
     }
     for (auto it = changed.cbegin(); it != changed.cend(); ++it)
-        m_upowerProperties.insert(it.key(), it.value());
-    applyUPower(m_upowerProperties);
+        _upowerProperties.insert(it.key(), it.value());
+    applyUPower(_upowerProperties);
 }
 
 void Device::applyUPower(const QVariantMap &properties)
@@ -287,7 +287,7 @@ void Device::applyUPower(const QVariantMap &properties)
 
 void Device::readSysfs()
 {
-    const QDir folder(m_sysfsRoot + QStringLiteral("/sys/class/power_supply"));
+    const QDir folder(_sysfsRoot + QStringLiteral("/sys/class/power_supply"));
     const QStringList entries = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QString &entry : entries) {
         const QString supply = folder.filePath(entry);
@@ -322,10 +322,10 @@ void Device::readSysfs()
 
 void Device::report(float level, BatteryState state)
 {
-    const bool levelChanged = level != m_level;
-    const bool stateChanged = state != m_state;
-    m_level = level;
-    m_state = state;
+    const bool levelChanged = level != _level;
+    const bool stateChanged = state != _state;
+    _level = level;
+    _state = state;
     // Both figures are in place before either signal goes out: a listener reads both.
     if (levelChanged)
         Q_EMIT batteryLevelDidChange();

@@ -87,14 +87,14 @@ private:
     void readSysfs();
     void report(float level, BatteryState state);
 
-    std::optional<QDBusConnection> m_bus;
-    QString m_sysfsRoot;
-    QDBusServiceWatcher *m_serviceWatcher = nullptr;
-    QTimer *m_pollTimer = nullptr;
-    bool m_monitoring = false;
-    bool m_usingUPower = false;
-    quint64 m_upowerGeneration = 0;      // replies from an older subscription are dropped
-    QVariantMap m_upowerProperties;
-    float m_level = -1.0f;
-    BatteryState m_state = BatteryStateUnknown;
+    std::optional<QDBusConnection> _bus;
+    QString _sysfsRoot;
+    QDBusServiceWatcher *_serviceWatcher = nullptr;
+    QTimer *_pollTimer = nullptr;
+    bool _monitoring = false;
+    bool _usingUPower = false;
+    quint64 _upowerGeneration = 0;      // replies from an older subscription are dropped
+    QVariantMap _upowerProperties;
+    float _level = -1.0f;
+    BatteryState _state = BatteryStateUnknown;
 };

@@ -7,18 +7,18 @@
 #include <algorithm>
 
 DeviceIdentity::DeviceIdentity(QString root)
-    : m_root(std::move(root))
+    : _root(std::move(root))
 {
 }
 
 QString DeviceIdentity::name() const
 {
-    const QString pretty = SysfsText::assignment(SysfsText::read(m_root, QStringLiteral("etc/machine-info")),
+    const QString pretty = SysfsText::assignment(SysfsText::read(_root, QStringLiteral("etc/machine-info")),
                                                  QStringLiteral("PRETTY_HOSTNAME"));
     if (!pretty.trimmed().isEmpty())
         return pretty;
     // The kernel's own copy of the host name, which is what gethostname() returns.
-    return SysfsText::firstLine(m_root, QStringLiteral("proc/sys/kernel/hostname"));
+    return SysfsText::firstLine(_root, QStringLiteral("proc/sys/kernel/hostname"));
 }
 
 QString DeviceIdentity::uniqueIdentifier() const
@@ -29,7 +29,7 @@ QString DeviceIdentity::uniqueIdentifier() const
     // machine id over the application's own id, marked as a random (v4) UUID, as
     // systemd's sd_id128_get_machine_app_specific() derives it.
     static const QByteArray applicationId = QByteArray::fromHex("a280b5a790644db9879c23ddd259c62e");
-    const QString text = SysfsText::firstLine(m_root, QStringLiteral("etc/machine-id"));
+    const QString text = SysfsText::firstLine(_root, QStringLiteral("etc/machine-id"));
     const auto isHexDigit = [](QChar c) { return (c >= u'0' && c <= u'9') || (c.toLower() >= u'a' && c.toLower() <= u'f'); };
     if (text.size() != 32 || !std::all_of(text.begin(), text.end(), isHexDigit))
         return QStringLiteral("");
@@ -54,9 +54,9 @@ QString DeviceIdentity::systemVersion() const
 QString DeviceIdentity::osReleaseValue(const QString &key) const
 {
     // /etc/os-release wins; /usr/lib/os-release is the vendor's fallback copy.
-    QByteArray contents = SysfsText::read(m_root, QStringLiteral("etc/os-release"));
+    QByteArray contents = SysfsText::read(_root, QStringLiteral("etc/os-release"));
     if (contents.isNull())
-        contents = SysfsText::read(m_root, QStringLiteral("usr/lib/os-release"));
+        contents = SysfsText::read(_root, QStringLiteral("usr/lib/os-release"));
     const QString value = SysfsText::assignment(contents, key);
     return value.isNull() ? QStringLiteral("") : value;
 }

@@ -17,5 +17,5 @@ public:
 private:
     QString osReleaseValue(const QString &key) const;
 
-    QString m_root;
+    QString _root;
 };

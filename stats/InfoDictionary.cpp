@@ -10,18 +10,18 @@ void InfoDictionary::addSection(const QString &name, const InfoSection &rows)
     for (const InfoRow &row : rows)
         cleaned.append({row.key.isNull() ? QStringLiteral("") : row.key,
                         row.value.isNull() ? QStringLiteral("") : row.value});
-    for (auto &entry : m_sections) {
+    for (auto &entry : _sections) {
         if (entry.first == name) {
             entry.second = cleaned;
             return;
         }
     }
-    m_sections.append({name, cleaned});
+    _sections.append({name, cleaned});
 }
 
 bool InfoDictionary::contains(const QString &name) const
 {
-    for (const auto &entry : m_sections) {
+    for (const auto &entry : _sections) {
         if (entry.first == name)
             return true;
     }
@@ -30,7 +30,7 @@ bool InfoDictionary::contains(const QString &name) const
 
 InfoSection InfoDictionary::section(const QString &name) const
 {
-    for (const auto &entry : m_sections) {
+    for (const auto &entry : _sections) {
         if (entry.first == name)
             return entry.second;
     }
@@ -40,7 +40,7 @@ InfoSection InfoDictionary::section(const QString &name) const
 QStringList InfoDictionary::sectionNames() const
 {
     QStringList names;
-    for (const auto &entry : m_sections)
+    for (const auto &entry : _sections)
         names.append(entry.first);
     return names;
 }
@@ -48,7 +48,7 @@ QStringList InfoDictionary::sectionNames() const
 QJsonObject InfoDictionary::toJson() const
 {
     QJsonObject result;
-    for (const auto &entry : m_sections) {
+    for (const auto &entry : _sections) {
         QJsonArray rows;
         for (const InfoRow &row : entry.second)
             rows.append(QJsonObject{{QStringLiteral("Key"), row.key}, {QStringLiteral("Value"), row.value}});

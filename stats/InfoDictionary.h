@@ -31,5 +31,5 @@ public:
     bool operator==(const InfoDictionary &other) const = default;
 
 private:
-    QList<std::pair<QString, InfoSection>> m_sections;
+    QList<std::pair<QString, InfoSection>> _sections;
 };

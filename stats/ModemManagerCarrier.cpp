@@ -43,13 +43,13 @@ bool isDigits(const QString &text)
 } // namespace
 
 ModemManagerCarrier::ModemManagerCarrier(QDBusConnection connection)
-    : m_connection(std::move(connection))
+    : _connection(std::move(connection))
 {
 }
 
 void ModemManagerCarrier::setCallTimeout(int milliseconds)
 {
-    m_callTimeout = milliseconds;
+    _callTimeout = milliseconds;
 }
 
 std::optional<CarrierInfo> ModemManagerCarrier::fromSystemBus()
@@ -59,7 +59,7 @@ std::optional<CarrierInfo> ModemManagerCarrier::fromSystemBus()
 
 std::optional<CarrierInfo> ModemManagerCarrier::carrier() const
 {
-    if (!m_connection.isConnected())
+    if (!_connection.isConnected())
         return std::nullopt;
 
     QDBusMessage call = QDBusMessage::createMethodCall(kService, kManagerPath,
@@ -67,7 +67,7 @@ std::optional<CarrierInfo> ModemManagerCarrier::carrier() const
                                                        QStringLiteral("GetManagedObjects"));
     // Do not start ModemManager on demand just to ask it.
     call.setAutoStartService(false);
-    const QDBusMessage reply = m_connection.call(call, QDBus::Block, m_callTimeout);
+    const QDBusMessage reply = _connection.call(call, QDBus::Block, _callTimeout);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
         return std::nullopt;
     const QVariant payload = reply.arguments().constFirst();
@@ -104,7 +104,7 @@ std::optional<CarrierInfo> ModemManagerCarrier::carrier() const
                 kService, simPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("GetAll"));
             getAll << kSimInterface;
             getAll.setAutoStartService(false);
-            const QDBusMessage simReply = m_connection.call(getAll, QDBus::Block, m_callTimeout);
+            const QDBusMessage simReply = _connection.call(getAll, QDBus::Block, _callTimeout);
             if (simReply.type() == QDBusMessage::ReplyMessage && !simReply.arguments().isEmpty()) {
                 QVariantMap sim;
                 const QVariant simPayload = simReply.arguments().constFirst();

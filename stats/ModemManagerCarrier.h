@@ -21,6 +21,6 @@ public:
     static std::optional<CarrierInfo> fromSystemBus();
 
 private:
-    QDBusConnection m_connection;
-    int m_callTimeout = 2000;
+    QDBusConnection _connection;
+    int _callTimeout = 2000;
 };

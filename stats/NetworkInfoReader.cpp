@@ -106,15 +106,15 @@ NetworkInfoReader::Seams NetworkInfoReader::hostSeams()
 }
 
 NetworkInfoReader::NetworkInfoReader(QString root, Seams seams)
-    : m_root(std::move(root))
-    , m_seams(std::move(seams))
-    , m_externalUrl(QStringLiteral(KOVAR_EXTERNAL_IP_URL))
+    : _root(std::move(root))
+    , _seams(std::move(seams))
+    , _externalUrl(QStringLiteral(KOVAR_EXTERNAL_IP_URL))
 {
 }
 
 QString NetworkInfoReader::wifiInterfaceName() const
 {
-    const QDir net(QDir(m_root).filePath(QStringLiteral("sys/class/net")));
+    const QDir net(QDir(_root).filePath(QStringLiteral("sys/class/net")));
     const QStringList names = net.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::System, QDir::Name);
     for (const QString &name : names) {
         if (QFileInfo::exists(net.filePath(name + QStringLiteral("/wireless")))
@@ -128,10 +128,10 @@ QString NetworkInfoReader::wifiInterfaceName() const
 
 QString NetworkInfoReader::cellularInterfaceName() const
 {
-    const QDir net(QDir(m_root).filePath(QStringLiteral("sys/class/net")));
+    const QDir net(QDir(_root).filePath(QStringLiteral("sys/class/net")));
     const QStringList names = net.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::System, QDir::Name);
     for (const QString &name : names) {
-        const QByteArray uevent = SysfsText::read(m_root, QStringLiteral("sys/class/net/") + name
+        const QByteArray uevent = SysfsText::read(_root, QStringLiteral("sys/class/net/") + name
                                                               + QStringLiteral("/uevent"));
         if (SysfsText::assignment(uevent, QStringLiteral("DEVTYPE")) == u"wwan")
             return name;
@@ -142,7 +142,7 @@ QString NetworkInfoReader::cellularInterfaceName() const
 QString NetworkInfoReader::defaultRouteInterface() const
 {
     // /proc/net/route: Iface Destination Gateway Flags ... Mask, addresses in hex.
-    const QList<QByteArray> lines = SysfsText::read(m_root, QStringLiteral("proc/net/route")).split('\n');
+    const QList<QByteArray> lines = SysfsText::read(_root, QStringLiteral("proc/net/route")).split('\n');
     for (qsizetype i = 1; i < lines.size(); ++i) {
         const QList<QByteArray> fields = lines.at(i).simplified().split(' ');
         if (fields.size() < 8)
@@ -160,7 +160,7 @@ bool NetworkInfoReader::interfaceIsUp(const QString &interfaceName) const
 {
     if (interfaceName.isEmpty())
         return false;
-    const QString text = SysfsText::firstLine(m_root, QStringLiteral("sys/class/net/") + interfaceName
+    const QString text = SysfsText::firstLine(_root, QStringLiteral("sys/class/net/") + interfaceName
                                                           + QStringLiteral("/flags"));
     bool ok = false;
     const unsigned flags = text.toUInt(&ok, 16);
@@ -173,11 +173,11 @@ QString NetworkInfoReader::macAddress() const
     QString name = wifiInterfaceName();
     if (name.isEmpty())
         name = defaultRouteInterface();
-    if (name.isEmpty() || !QFileInfo::exists(QDir(m_root).filePath(QStringLiteral("sys/class/net/") + name))) {
+    if (name.isEmpty() || !QFileInfo::exists(QDir(_root).filePath(QStringLiteral("sys/class/net/") + name))) {
         qCWarning(lcNetworkInfo).noquote() << "Error: if_nametoindex error";
         return {};
     }
-    const QByteArray raw = SysfsText::read(m_root, QStringLiteral("sys/class/net/") + name + QStringLiteral("/address"));
+    const QByteArray raw = SysfsText::read(_root, QStringLiteral("sys/class/net/") + name + QStringLiteral("/address"));
     if (raw.isNull()) {
         qCWarning(lcNetworkInfo).noquote() << "Error: sysctl, take 1";
         return {};
@@ -201,7 +201,7 @@ QString NetworkInfoReader::macAddress() const
 
 QString NetworkInfoReader::hostname() const
 {
-    const std::optional<QString> name = m_seams.hostName ? m_seams.hostName() : std::nullopt;
+    const std::optional<QString> name = _seams.hostName ? _seams.hostName() : std::nullopt;
     if (!name)
         return {};
     return name->left(255) + QStringLiteral(".local");
@@ -210,14 +210,14 @@ QString NetworkInfoReader::hostname() const
 QString NetworkInfoReader::localIPAddress() const
 {
     const QString host = hostname();
-    const Resolution resolution = (host.isNull() || !m_seams.resolveIPv4) ? Resolution{QString(), QStringLiteral("Unknown host")}
-                                                                          : m_seams.resolveIPv4(host);
+    const Resolution resolution = (host.isNull() || !_seams.resolveIPv4) ? Resolution{QString(), QStringLiteral("Unknown host")}
+                                                                          : _seams.resolveIPv4(host);
     if (!resolution.address.isNull())
         return resolution.address;
     // Without mDNS (most desktops) "<host>.local" does not resolve; that is no fault.
     // The address the machine talks from is the source of its reachability route.
     qCDebug(lcNetworkInfo).noquote() << QStringLiteral("resolv: ") + resolution.error;
-    const std::optional<RouteLookup::Route> route = m_seams.linkLocalRoute ? m_seams.linkLocalRoute() : std::nullopt;
+    const std::optional<RouteLookup::Route> route = _seams.linkLocalRoute ? _seams.linkLocalRoute() : std::nullopt;
     if (route && route->exists && !route->preferredSource.isEmpty())
         return route->preferredSource;
     return {};
@@ -225,9 +225,9 @@ QString NetworkInfoReader::localIPAddress() const
 
 QString NetworkInfoReader::ipv4AddressOf(const QString &interfaceName) const
 {
-    if (interfaceName.isEmpty() || !m_seams.interfaceAddresses)
+    if (interfaceName.isEmpty() || !_seams.interfaceAddresses)
         return {};
-    const std::optional<QList<InterfaceAddress>> addresses = m_seams.interfaceAddresses();
+    const std::optional<QList<InterfaceAddress>> addresses = _seams.interfaceAddresses();
     if (!addresses)
         return {};
     for (const InterfaceAddress &entry : *addresses) {
@@ -253,9 +253,9 @@ QString NetworkInfoReader::cellularIPAddress() const
 
 std::optional<std::uint32_t> NetworkInfoReader::flagsFromRoute() const
 {
-    if (!m_seams.linkLocalRoute)
+    if (!_seams.linkLocalRoute)
         return std::nullopt;
-    const std::optional<RouteLookup::Route> route = m_seams.linkLocalRoute();
+    const std::optional<RouteLookup::Route> route = _seams.linkLocalRoute();
     if (!route)
         return std::nullopt;
     std::uint32_t flags = 0;
@@ -271,32 +271,32 @@ std::optional<std::uint32_t> NetworkInfoReader::flagsFromRoute() const
 
 void NetworkInfoReader::pingReachabilityInternal()
 {
-    const std::optional<std::uint32_t> flags = m_seams.reachabilityFlags ? m_seams.reachabilityFlags()
+    const std::optional<std::uint32_t> flags = _seams.reachabilityFlags ? _seams.reachabilityFlags()
                                                                          : flagsFromRoute();
     if (!flags) {
         qCWarning(lcNetworkInfo).noquote() << "Error. Could not recover network reachability flags";
         return;
     }
-    m_flags = *flags;
+    _flags = *flags;
 }
 
 std::uint32_t NetworkInfoReader::reachabilityFlags() const
 {
-    return m_flags;
+    return _flags;
 }
 
 bool NetworkInfoReader::networkAvailable()
 {
     pingReachabilityInternal();
-    return (m_flags & kSCNetworkReachabilityFlagsReachable) != 0
-        && (m_flags & kSCNetworkReachabilityFlagsConnectionRequired) == 0;
+    return (_flags & kSCNetworkReachabilityFlagsReachable) != 0
+        && (_flags & kSCNetworkReachabilityFlagsConnectionRequired) == 0;
 }
 
 bool NetworkInfoReader::activeWWAN()
 {
     if (!networkAvailable())
         return false;
-    return (m_flags & kSCNetworkReachabilityFlagsIsWWAN) != 0;
+    return (_flags & kSCNetworkReachabilityFlagsIsWWAN) != 0;
 }
 
 bool NetworkInfoReader::activeWLAN() const
@@ -306,34 +306,34 @@ bool NetworkInfoReader::activeWLAN() const
 
 std::optional<CarrierInfo> NetworkInfoReader::carrierInfo() const
 {
-    return m_seams.carrier ? m_seams.carrier() : std::nullopt;
+    return _seams.carrier ? _seams.carrier() : std::nullopt;
 }
 
 void NetworkInfoReader::setExternalIPUrl(const QString &url)
 {
-    m_externalUrl = url;
+    _externalUrl = url;
 }
 
 QString NetworkInfoReader::externalIPUrl() const
 {
-    return m_externalUrl;
+    return _externalUrl;
 }
 
 void NetworkInfoReader::setExternalIPTimeout(int milliseconds)
 {
-    m_externalTimeout = milliseconds;
+    _externalTimeout = milliseconds;
 }
 
 void NetworkInfoReader::setExternalIPMaximumBytes(qint64 bytes)
 {
-    m_externalMaximumBytes = bytes;
+    _externalMaximumBytes = bytes;
 }
 
 QString NetworkInfoReader::externalIPAddress() const
 {
-    if (m_externalUrl.isEmpty())
+    if (_externalUrl.isEmpty())
         return QStringLiteral("No external address endpoint is configured");
-    const QUrl url(m_externalUrl);
+    const QUrl url(_externalUrl);
     if (!url.isValid() || url.scheme() != u"http" || url.host().isEmpty())
         return QStringLiteral("The external address endpoint is not a plain HTTP address");
     if (!QCoreApplication::instance())
@@ -341,7 +341,7 @@ QString NetworkInfoReader::externalIPAddress() const
 
     QNetworkAccessManager manager;
     QNetworkRequest request(url);
-    request.setTransferTimeout(m_externalTimeout);
+    request.setTransferTimeout(_externalTimeout);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
     QNetworkReply *reply = manager.get(request);
 
@@ -355,15 +355,15 @@ QString NetworkInfoReader::externalIPAddress() const
         reply->abort();
     });
     QObject::connect(reply, &QNetworkReply::readyRead, &loop, [&] {
-        body += reply->read(m_externalMaximumBytes + 1 - body.size());
-        if (body.size() > m_externalMaximumBytes && failure.isEmpty()) {
+        body += reply->read(_externalMaximumBytes + 1 - body.size());
+        if (body.size() > _externalMaximumBytes && failure.isEmpty()) {
             failure = QStringLiteral("The response is too large to be an address.");
             reply->abort();
         }
     });
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
     // The transfer time-out resets on every byte; this one bounds the whole request.
-    deadline.start(m_externalTimeout);
+    deadline.start(_externalTimeout);
     if (!reply->isFinished())
         loop.exec(QEventLoop::ExcludeUserInputEvents);
     deadline.stop();
@@ -371,8 +371,8 @@ QString NetworkInfoReader::externalIPAddress() const
     if (failure.isEmpty() && reply->error() != QNetworkReply::NoError)
         failure = reply->errorString();
     if (failure.isEmpty()) {
-        body += reply->read(m_externalMaximumBytes + 1 - body.size());
-        if (body.size() > m_externalMaximumBytes)
+        body += reply->read(_externalMaximumBytes + 1 - body.size());
+        if (body.size() > _externalMaximumBytes)
             failure = QStringLiteral("The response is too large to be an address.");
     }
     reply->deleteLater();

@@ -91,10 +91,10 @@ private:
     bool interfaceIsUp(const QString &interfaceName) const;
     std::optional<std::uint32_t> flagsFromRoute() const;
 
-    QString m_root;
-    Seams m_seams;
-    std::uint32_t m_flags = 0;
-    QString m_externalUrl;
-    int m_externalTimeout = 10000;
-    qint64 m_externalMaximumBytes = 1024;
+    QString _root;
+    Seams _seams;
+    std::uint32_t _flags = 0;
+    QString _externalUrl;
+    int _externalTimeout = 10000;
+    qint64 _externalMaximumBytes = 1024;
 };

@@ -92,12 +92,12 @@ const char *findLine(const char *text, const char *end, const char *key)
 } // namespace
 
 ProcReader::ProcReader(const QString &rootDir)
-    : m_root(rootDir)
+    : _root(rootDir)
 {
     QString dir = rootDir;
     while (dir.endsWith(QLatin1Char('/')))
         dir.chop(1);
-    m_procDir = QFile::encodeName(dir) + "/proc";
+    _procDir = QFile::encodeName(dir) + "/proc";
 }
 
 std::optional<ProcReader::CpuTicks> ProcReader::parseCpuLine(const char *text, qsizetype length)
@@ -214,7 +214,7 @@ std::optional<ProcReader::ProcStat> ProcReader::parseProcStat(const char *text, 
 
 std::optional<ProcReader::CpuTicks> ProcReader::cpuTicks() const
 {
-    const std::optional<QByteArray> data = readFile(m_procDir + "/stat");
+    const std::optional<QByteArray> data = readFile(_procDir + "/stat");
     if (!data)
         return std::nullopt;
     return parseCpuLine(data->constData(), data->size());
@@ -222,7 +222,7 @@ std::optional<ProcReader::CpuTicks> ProcReader::cpuTicks() const
 
 std::optional<ProcReader::MemInfo> ProcReader::memInfo() const
 {
-    const std::optional<QByteArray> data = readFile(m_procDir + "/meminfo");
+    const std::optional<QByteArray> data = readFile(_procDir + "/meminfo");
     if (!data)
         return std::nullopt;
     return parseMemInfo(data->constData(), data->size());
@@ -230,7 +230,7 @@ std::optional<ProcReader::MemInfo> ProcReader::memInfo() const
 
 std::optional<qint64> ProcReader::bootTime() const
 {
-    const std::optional<QByteArray> data = readFile(m_procDir + "/stat");
+    const std::optional<QByteArray> data = readFile(_procDir + "/stat");
     if (!data)
         return std::nullopt;
     return parseBootTime(data->constData(), data->size());
@@ -238,7 +238,7 @@ std::optional<qint64> ProcReader::bootTime() const
 
 std::optional<QList<int>> ProcReader::pids() const
 {
-    DIR *dir = ::opendir(m_procDir.constData());
+    DIR *dir = ::opendir(_procDir.constData());
     if (!dir)
         return std::nullopt;
     QList<int> result;
@@ -261,7 +261,7 @@ std::optional<QList<int>> ProcReader::pids() const
 
 QByteArray ProcReader::statPath(int pid) const
 {
-    return m_procDir + '/' + QByteArray::number(pid) + "/stat";
+    return _procDir + '/' + QByteArray::number(pid) + "/stat";
 }
 
 std::optional<QList<ProcReader::ProcStat>> ProcReader::processStats() const
@@ -273,7 +273,7 @@ std::optional<QList<ProcReader::ProcStat>> ProcReader::processStats() const
     QList<ProcStat> result;
     result.reserve(pidList->size());
     // One buffer and one path for the whole scan; a stat line is well under 1 KB.
-    QByteArray path = m_procDir + '/';
+    QByteArray path = _procDir + '/';
     const qsizetype prefix = path.size();
     char buffer[4096];
     for (int pid : *pidList) {

@@ -38,7 +38,7 @@ public:
 
     explicit ProcReader(const QString &rootDir = QStringLiteral("/"));
 
-    QString rootDir() const { return m_root; }
+    QString rootDir() const { return _root; }
 
     std::optional<CpuTicks> cpuTicks() const;
     std::optional<MemInfo> memInfo() const;
@@ -59,6 +59,6 @@ public:
     static std::optional<ProcStat> parseProcStat(const char *text, qsizetype length);
 
 private:
-    QString m_root;
-    QByteArray m_procDir; // encoded ".../proc"
+    QString _root;
+    QByteArray _procDir; // encoded ".../proc"
 };

@@ -18,20 +18,20 @@ namespace {
 class SocketGuard {
 public:
     explicit SocketGuard(int fd)
-        : m_fd(fd)
+        : _fd(fd)
     {
     }
     ~SocketGuard()
     {
-        if (m_fd >= 0)
-            ::close(m_fd);
+        if (_fd >= 0)
+            ::close(_fd);
     }
     SocketGuard(const SocketGuard &) = delete;
     SocketGuard &operator=(const SocketGuard &) = delete;
-    int fd() const { return m_fd; }
+    int fd() const { return _fd; }
 
 private:
-    int m_fd;
+    int _fd;
 };
 
 // NLMSG_OK, without its comparison of a signed length with an unsigned one.

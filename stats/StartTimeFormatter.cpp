@@ -14,18 +14,18 @@ StartTimeFormatter::StartTimeFormatter(const QByteArray &locale, const QString &
             udat_close(format);
         return;
     }
-    m_format = format;
+    _format = format;
 }
 
 StartTimeFormatter::~StartTimeFormatter()
 {
-    if (m_format)
-        udat_close(static_cast<UDateFormat *>(m_format));
+    if (_format)
+        udat_close(static_cast<UDateFormat *>(_format));
 }
 
 QString StartTimeFormatter::format(qint64 secondsSinceEpoch) const
 {
-    if (!m_format)
+    if (!_format)
         return QString();
     constexpr qint64 firstSecondOfYear1 = -62135596800;
     constexpr qint64 lastSecondOfYear9999 = 253402300799;
@@ -34,7 +34,7 @@ QString StartTimeFormatter::format(qint64 secondsSinceEpoch) const
     UChar buffer[128];
     UErrorCode status = U_ZERO_ERROR;
     const UDate when = double(secondsSinceEpoch) * 1000.0;
-    const int32_t length = udat_format(static_cast<const UDateFormat *>(m_format), when, buffer,
+    const int32_t length = udat_format(static_cast<const UDateFormat *>(_format), when, buffer,
                                        int32_t(std::size(buffer)), nullptr, &status);
     if (U_FAILURE(status) || length <= 0)
         return QString();

@@ -13,11 +13,11 @@ public:
     StartTimeFormatter(const StartTimeFormatter &) = delete;
     StartTimeFormatter &operator=(const StartTimeFormatter &) = delete;
 
-    bool isValid() const { return m_format != nullptr; }
+    bool isValid() const { return _format != nullptr; }
     // Empty when the formatter could not be opened, and for a moment outside the
     // years 1 to 9999 (the calendar would clamp it to a date that never was).
     QString format(qint64 secondsSinceEpoch) const;
 
 private:
-    void *m_format = nullptr; // UDateFormat
+    void *_format = nullptr; // UDateFormat
 };

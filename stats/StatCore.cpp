@@ -19,19 +19,19 @@ StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize
 
 StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize,
                    SystemInfoReader::SystemCalls systemCalls, NetworkInfoReader::Seams networkSeams)
-    : m_reader(rootDir)
-    , m_systemInfo(rootDir, std::move(systemCalls))
-    , m_networkInfo(rootDir, std::move(networkSeams))
-    , m_homeDir(homeDir)
-    , m_pageSize(pageSize)
-    , m_clockTicks(::sysconf(_SC_CLK_TCK))
+    : _reader(rootDir)
+    , _systemInfo(rootDir, std::move(systemCalls))
+    , _networkInfo(rootDir, std::move(networkSeams))
+    , _homeDir(homeDir)
+    , _pageSize(pageSize)
+    , _clockTicks(::sysconf(_SC_CLK_TCK))
 {
-    if (m_clockTicks <= 0)
-        m_clockTicks = 100;
+    if (_clockTicks <= 0)
+        _clockTicks = 100;
     // The first cpuUsage() measures the time since construction.
-    if (const std::optional<ProcReader::CpuTicks> ticks = m_reader.cpuTicks())
-        m_prevCpuLoad = *ticks;
-    m_cpuLoad = m_prevCpuLoad;
+    if (const std::optional<ProcReader::CpuTicks> ticks = _reader.cpuTicks())
+        _prevCpuLoad = *ticks;
+    _cpuLoad = _prevCpuLoad;
 }
 
 StatCore::~StatCore() = default;
@@ -57,20 +57,20 @@ long StatCore::systemPageSize()
 CpuUsageData StatCore::cpuUsage()
 {
     // A failed read keeps the last sample, so the deltas come out zero (usage NaN).
-    if (const std::optional<ProcReader::CpuTicks> ticks = m_reader.cpuTicks())
-        m_cpuLoad = *ticks;
+    if (const std::optional<ProcReader::CpuTicks> ticks = _reader.cpuTicks())
+        _cpuLoad = *ticks;
 
     CpuUsageData data;
     // The interval's ticks, cut to 32 bits as the figures are (a counter that went
     // back, as a garbled file can make it, wraps rather than traps).
-    data.user = quint32(m_cpuLoad.user - m_prevCpuLoad.user);
-    data.system = quint32(m_cpuLoad.system - m_prevCpuLoad.system);
-    data.idle = quint32(m_cpuLoad.idle - m_prevCpuLoad.idle);
+    data.user = quint32(_cpuLoad.user - _prevCpuLoad.user);
+    data.system = quint32(_cpuLoad.system - _prevCpuLoad.system);
+    data.idle = quint32(_cpuLoad.idle - _prevCpuLoad.idle);
     // Niced work is already inside user (see ProcReader::CpuTicks).
     const quint32 busy = data.user + data.system;
     const quint32 total = busy + data.idle;
     data.usage = double(busy) / double(total) * 100.0; // 0/0 is NaN on purpose: no tick elapsed
-    m_prevCpuLoad = m_cpuLoad;
+    _prevCpuLoad = _cpuLoad;
     return data;
 }
 
@@ -79,13 +79,13 @@ MemoryUsageData StatCore::memoryUsage() const
     MemoryUsageData data;
 
     quint64 pageSize = 0;
-    if (m_pageSize <= 0 || m_pageSize > INT_MAX)
+    if (_pageSize <= 0 || _pageSize > INT_MAX)
         qCWarning(lcStats, "#### Getting page size error!!");
     else
-        pageSize = quint64(m_pageSize);
+        pageSize = quint64(_pageSize);
     data.pageSize = qint32(pageSize);
 
-    const std::optional<ProcReader::MemInfo> info = m_reader.memInfo();
+    const std::optional<ProcReader::MemInfo> info = _reader.memInfo();
     // Page counts are 64-bit here: a machine of more than 16 TiB has more than 2^32.
     quint64 freeCount = 0;
     quint64 activeCount = 0;
@@ -140,10 +140,10 @@ MemoryUsageData StatCore::memoryUsage() const
 DiskUsageData StatCore::diskUsage() const
 {
     DiskUsageData data;
-    if (m_homeDir.isEmpty())
+    if (_homeDir.isEmpty())
         return data;
     struct statvfs fs;
-    if (::statvfs(QFile::encodeName(m_homeDir).constData(), &fs) != 0)
+    if (::statvfs(QFile::encodeName(_homeDir).constData(), &fs) != 0)
         return data;
     // f_bavail: what an ordinary user can still write, as a file manager shows it.
     data.totalSize = double(fs.f_frsize) * double(fs.f_blocks);
@@ -153,30 +153,30 @@ DiskUsageData StatCore::diskUsage() const
 
 const QString &StatCore::startTimeText(int pid, quint64 startTicks, qint64 bootTime)
 {
-    StartTimeEntry &entry = m_startTimes[pid];
+    StartTimeEntry &entry = _startTimes[pid];
     if (entry.text.isNull() || entry.startTicks != startTicks || entry.bootTime != bootTime) {
         entry.startTicks = startTicks;
         entry.bootTime = bootTime;
         // A garbled boot time or start tick can be anything up to 2^63: past the end of
         // the calendar the process has no start time to show.
         qint64 seconds = 0;
-        if (__builtin_add_overflow(bootTime, qint64(startTicks / quint64(m_clockTicks)), &seconds))
+        if (__builtin_add_overflow(bootTime, qint64(startTicks / quint64(_clockTicks)), &seconds))
             entry.text = QStringLiteral("");
         else
-            entry.text = m_startTimeFormatter.format(seconds);
+            entry.text = _startTimeFormatter.format(seconds);
     }
-    entry.seenInScan = m_scan;
+    entry.seenInScan = _scan;
     return entry.text;
 }
 
 std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
 {
-    const std::optional<QList<ProcReader::ProcStat>> stats = m_reader.processStats();
+    const std::optional<QList<ProcReader::ProcStat>> stats = _reader.processStats();
     if (!stats || stats->isEmpty())
         return std::nullopt;
-    const qint64 bootTime = m_reader.bootTime().value_or(0);
+    const qint64 bootTime = _reader.bootTime().value_or(0);
 
-    ++m_scan;
+    ++_scan;
     QList<ProcessRecord> records;
     records.reserve(stats->size());
     // Oldest first, as the reversed newest-first table of the handheld: the top rows
@@ -190,15 +190,15 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
         records.append(std::move(record));
     }
     // Forget processes that have gone, so the cache stays as large as the table.
-    m_startTimes.removeIf([this](const QHash<int, StartTimeEntry>::iterator &it) {
-        return it->seenInScan != m_scan;
+    _startTimes.removeIf([this](const QHash<int, StartTimeEntry>::iterator &it) {
+        return it->seenInScan != _scan;
     });
     return records;
 }
 
 std::optional<qsizetype> StatCore::processCount() const
 {
-    const std::optional<QList<int>> pids = m_reader.pids();
+    const std::optional<QList<int>> pids = _reader.pids();
     if (!pids || pids->isEmpty())
         return std::nullopt;
     return pids->size();
@@ -206,87 +206,87 @@ std::optional<qsizetype> StatCore::processCount() const
 
 InfoDictionary StatCore::systemInfo() const
 {
-    return m_systemInfo.systemInfo();
+    return _systemInfo.systemInfo();
 }
 
 QString StatCore::getSysInfoByName(const QString &name) const
 {
-    return m_systemInfo.getSysInfoByName(name);
+    return _systemInfo.getSysInfoByName(name);
 }
 
 std::uint32_t StatCore::getSysInfo(std::uint32_t selector) const
 {
-    return m_systemInfo.getSysInfo(selector);
+    return _systemInfo.getSysInfo(selector);
 }
 
 QString StatCore::platformString() const
 {
-    return m_systemInfo.platformString();
+    return _systemInfo.platformString();
 }
 
 QString StatCore::getCPUFrequency() const
 {
-    return m_systemInfo.getCPUFrequency();
+    return _systemInfo.getCPUFrequency();
 }
 
 InfoDictionary StatCore::networkInfo()
 {
-    return m_networkInfo.networkInfo();
+    return _networkInfo.networkInfo();
 }
 
 QString StatCore::macAddress() const
 {
-    return m_networkInfo.macAddress();
+    return _networkInfo.macAddress();
 }
 
 QString StatCore::hostname() const
 {
-    return m_networkInfo.hostname();
+    return _networkInfo.hostname();
 }
 
 QString StatCore::localIPAddress() const
 {
-    return m_networkInfo.localIPAddress();
+    return _networkInfo.localIPAddress();
 }
 
 QString StatCore::wifiIPAddress() const
 {
-    return m_networkInfo.wifiIPAddress();
+    return _networkInfo.wifiIPAddress();
 }
 
 QString StatCore::cellularIPAddress() const
 {
-    return m_networkInfo.cellularIPAddress();
+    return _networkInfo.cellularIPAddress();
 }
 
 QString StatCore::externalIPAddress() const
 {
-    return m_networkInfo.externalIPAddress();
+    return _networkInfo.externalIPAddress();
 }
 
 void StatCore::pingReachabilityInternal()
 {
-    m_networkInfo.pingReachabilityInternal();
+    _networkInfo.pingReachabilityInternal();
 }
 
 bool StatCore::networkAvailable()
 {
-    return m_networkInfo.networkAvailable();
+    return _networkInfo.networkAvailable();
 }
 
 bool StatCore::activeWWAN()
 {
-    return m_networkInfo.activeWWAN();
+    return _networkInfo.activeWWAN();
 }
 
 bool StatCore::activeWLAN() const
 {
-    return m_networkInfo.activeWLAN();
+    return _networkInfo.activeWLAN();
 }
 
 std::optional<CarrierInfo> StatCore::carrierInfo() const
 {
-    return m_networkInfo.carrierInfo();
+    return _networkInfo.carrierInfo();
 }
 
 QString StatCore::byteToKiloMegaGigaWithByte(double byte, int decmal, bool unitSpace)

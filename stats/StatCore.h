@@ -43,8 +43,8 @@ public:
     CpuUsageData cpuUsage();
     // Ticks since boot, for counters that their reader differences itself (the
     // metrics endpoint); leaves the stored sample alone. nullopt when unreadable.
-    std::optional<ProcReader::CpuTicks> cpuTicksSinceBoot() const { return m_reader.cpuTicks(); }
-    long clockTicksPerSecond() const { return m_clockTicks; }
+    std::optional<ProcReader::CpuTicks> cpuTicksSinceBoot() const { return _reader.cpuTicks(); }
+    long clockTicksPerSecond() const { return _clockTicks; }
     MemoryUsageData memoryUsage() const;
     DiskUsageData diskUsage() const;
     // Every process in ascending pid order, oldest first; nullopt when the
@@ -54,7 +54,7 @@ public:
     // process table cannot be read.
     std::optional<qsizetype> processCount() const;
     // Start-time texts kept: one per process of the last scan, none for the dead.
-    qsizetype startTimeCacheSize() const { return m_startTimes.size(); }
+    qsizetype startTimeCacheSize() const { return _startTimes.size(); }
 
     // Device, OS and CPU identification: "DeviceInfo", "OSInfo", "CPUInfo".
     InfoDictionary systemInfo() const;
@@ -92,17 +92,17 @@ private:
     };
     const QString &startTimeText(int pid, quint64 startTicks, qint64 bootTime);
 
-    ProcReader m_reader;
-    SystemInfoReader m_systemInfo;
-    NetworkInfoReader m_networkInfo;
-    QString m_homeDir;
-    long m_pageSize;
-    long m_clockTicks;
-    ProcReader::CpuTicks m_prevCpuLoad;
-    ProcReader::CpuTicks m_cpuLoad;
-    StartTimeFormatter m_startTimeFormatter;
+    ProcReader _reader;
+    SystemInfoReader _systemInfo;
+    NetworkInfoReader _networkInfo;
+    QString _homeDir;
+    long _pageSize;
+    long _clockTicks;
+    ProcReader::CpuTicks _prevCpuLoad;
+    ProcReader::CpuTicks _cpuLoad;
+    StartTimeFormatter _startTimeFormatter;
     // A process's start-time text never changes: format it once and keep it while the
     // process lives. Keyed by pid; the start ticks tell a reused pid apart.
-    QHash<int, StartTimeEntry> m_startTimes;
-    quint32 m_scan = 0;
+    QHash<int, StartTimeEntry> _startTimes;
+    quint32 _scan = 0;
 };

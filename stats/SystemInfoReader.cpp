@@ -205,15 +205,15 @@ SystemInfoReader::SystemCalls SystemInfoReader::hostSystemCalls()
 }
 
 SystemInfoReader::SystemInfoReader(QString root, SystemCalls calls)
-    : m_root(std::move(root))
-    , m_calls(std::move(calls))
+    : _root(std::move(root))
+    , _calls(std::move(calls))
 {
 }
 
 QString SystemInfoReader::getSysInfoByName(const QString &name) const
 {
     if (name == u"hw.machine" || name == u"kern.ostype" || name == u"kern.osrelease") {
-        const UnameValues names = m_calls.uname ? m_calls.uname() : UnameValues{};
+        const UnameValues names = _calls.uname ? _calls.uname() : UnameValues{};
         const QString &value = name == u"hw.machine" ? names.machine
                              : name == u"kern.ostype" ? names.sysname
                                                       : names.release;
@@ -226,14 +226,14 @@ QString SystemInfoReader::getSysInfoByName(const QString &name) const
 
 QString SystemInfoReader::dmiValue(const char *file) const
 {
-    const QString value = SysfsText::firstLine(m_root, QStringLiteral("sys/class/dmi/id/") + QLatin1String(file));
+    const QString value = SysfsText::firstLine(_root, QStringLiteral("sys/class/dmi/id/") + QLatin1String(file));
     return isFirmwarePlaceholder(value) ? QStringLiteral("") : value;
 }
 
 QString SystemInfoReader::deviceTreeString(const char *file) const
 {
     return firstDeviceTreeString(
-        SysfsText::read(m_root, QStringLiteral("sys/firmware/devicetree/base/") + QLatin1String(file)));
+        SysfsText::read(_root, QStringLiteral("sys/firmware/devicetree/base/") + QLatin1String(file)));
 }
 
 QString SystemInfoReader::hardwareName() const
@@ -272,7 +272,7 @@ QString SystemInfoReader::hardwareIdentifier() const
 QString SystemInfoReader::cpuInfoValue(const char *key) const
 {
     // "key<TAB>: value" lines; the first processor's block comes first.
-    const QList<QByteArray> lines = SysfsText::read(m_root, QStringLiteral("proc/cpuinfo")).split('\n');
+    const QList<QByteArray> lines = SysfsText::read(_root, QStringLiteral("proc/cpuinfo")).split('\n');
     for (const QByteArray &line : lines) {
         const qsizetype colon = line.indexOf(':');
         if (colon > 0 && line.left(colon).trimmed().compare(key, Qt::CaseInsensitive) == 0)
@@ -283,7 +283,7 @@ QString SystemInfoReader::cpuInfoValue(const char *key) const
 
 std::uint64_t SystemInfoReader::timeBaseHz() const
 {
-    if (const std::uint64_t fromProcessor = m_calls.timeBaseFrequency ? m_calls.timeBaseFrequency() : 0)
+    if (const std::uint64_t fromProcessor = _calls.timeBaseFrequency ? _calls.timeBaseFrequency() : 0)
         return fromProcessor;
     // The kernel calibrates its delay loop on the same counter (x86: the TSC, arm64:
     // the arch timer) and prints twice its rate in MHz as "bogomips".
@@ -296,7 +296,7 @@ std::uint64_t SystemInfoReader::timeBaseHz() const
 
 std::uint32_t SystemInfoReader::processorCount() const
 {
-    const QStringList entries = QDir(QDir(m_root).filePath(QStringLiteral("sys/devices/system/cpu")))
+    const QStringList entries = QDir(QDir(_root).filePath(QStringLiteral("sys/devices/system/cpu")))
                                     .entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     std::uint32_t count = 0;
     for (const QString &entry : entries) {
@@ -305,7 +305,7 @@ std::uint32_t SystemInfoReader::processorCount() const
     }
     if (count > 0)
         return count;
-    const long configured = m_calls.sysconf ? m_calls.sysconf(_SC_NPROCESSORS_CONF) : 0;
+    const long configured = _calls.sysconf ? _calls.sysconf(_SC_NPROCESSORS_CONF) : 0;
     return configured > 0 ? saturate32(std::uint64_t(configured)) : 0;
 }
 
@@ -314,9 +314,9 @@ std::uint32_t SystemInfoReader::cacheFigure(std::uint32_t selector) const
     // Where the kernel lists the caches, a level it does not list is not there (many
     // phones have no L3). Virtual machines often expose no cache directory at all;
     // the C library then still knows the figures from the processor itself.
-    const CacheFigures figures = readCacheDirectories(m_root);
+    const CacheFigures figures = readCacheDirectories(_root);
     const bool kernelListsCaches
-        = QFileInfo(QDir(m_root).filePath(QStringLiteral("sys/devices/system/cpu/cpu0/cache"))).isDir();
+        = QFileInfo(QDir(_root).filePath(QStringLiteral("sys/devices/system/cpu/cpu0/cache"))).isDir();
     std::uint64_t fromSysfs = 0;
     int sysconfName = 0;
     switch (selector) {
@@ -345,7 +345,7 @@ std::uint32_t SystemInfoReader::cacheFigure(std::uint32_t selector) const
     }
     if (kernelListsCaches)
         return saturate32(fromSysfs);
-    const long fromLibc = m_calls.sysconf ? m_calls.sysconf(sysconfName) : 0;
+    const long fromLibc = _calls.sysconf ? _calls.sysconf(sysconfName) : 0;
     return fromLibc > 0 ? saturate32(std::uint64_t(fromLibc)) : 0;
 }
 
@@ -436,7 +436,7 @@ QString SystemInfoReader::getCPUFrequency() const
     }
     // The highest clock cpufreq allows (kHz), else the clock the kernel measured.
     bool ok = false;
-    const quint64 maxKHz = SysfsText::firstLine(m_root, QStringLiteral("sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq"))
+    const quint64 maxKHz = SysfsText::firstLine(_root, QStringLiteral("sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq"))
                                .toULongLong(&ok);
     if (ok && maxKHz > 0)
         return frequencyText(double(maxKHz) * 1000.0);
@@ -448,7 +448,7 @@ QString SystemInfoReader::getCPUFrequency() const
 
 InfoDictionary SystemInfoReader::systemInfo() const
 {
-    const DeviceIdentity identity(m_root);
+    const DeviceIdentity identity(_root);
     auto bytes = [this](std::uint32_t selector) {
         return Formatting::byteToKiloMegaGigaWithByte(double(getSysInfo(selector)), 0, true);
     };

@@ -60,6 +60,6 @@ private:
     std::uint32_t processorCount() const;
     std::uint32_t cacheFigure(std::uint32_t selector) const;
 
-    QString m_root;
-    SystemCalls m_calls;
+    QString _root;
+    SystemCalls _calls;
 };

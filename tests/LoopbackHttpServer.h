@@ -20,7 +20,7 @@ public:
 
     LoopbackHttpServer()
     {
-        m_clock.start();
+        _clock.start();
         connect(this, &QTcpServer::newConnection, this, [this] {
             while (QTcpSocket *socket = nextPendingConnection()) {
                 connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { serve(socket); });
@@ -29,13 +29,13 @@ public:
         });
     }
     QUrl url(const QByteArray &path) const { return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(serverPort()).arg(QString::fromLatin1(path))); }
-    qint64 elapsedMs() const { return m_clock.elapsed(); }
-    void route(const QByteArray &path, Handler handler) { m_routes.insert(path, std::move(handler)); }
+    qint64 elapsedMs() const { return _clock.elapsed(); }
+    void route(const QByteArray &path, Handler handler) { _routes.insert(path, std::move(handler)); }
     void routeReply(const QByteArray &path, const QByteArray &body, const QByteArray &status = "200 OK") { route(path, [=](QTcpSocket *s, const QByteArray &) { reply(s, status, body); }); }
     QList<Request> requests(const QByteArray &path) const
     {
         QList<Request> matching;
-        std::copy_if(m_log.begin(), m_log.end(), std::back_inserter(matching), [&](const Request &r) { return r.target.split('?')[0] == path; });
+        std::copy_if(_log.begin(), _log.end(), std::back_inserter(matching), [&](const Request &r) { return r.target.split('?')[0] == path; });
         return matching;
     }
     static void reply(QTcpSocket *socket, const QByteArray &status, const QByteArray &body, const QByteArray &headers = {})
@@ -51,13 +51,13 @@ private:
             return;
         disconnect(socket, &QTcpSocket::readyRead, socket, nullptr);
         const QByteArray target = socket->readAll().split(' ').value(1), path = target.split('?')[0];
-        m_log.append({target, m_clock.elapsed()});
-        m_routes.value(path, [](QTcpSocket *s, const QByteArray &) { reply(s, "404 Not Found", "no such thing"); })(socket, path);
+        _log.append({target, _clock.elapsed()});
+        _routes.value(path, [](QTcpSocket *s, const QByteArray &) { reply(s, "404 Not Found", "no such thing"); })(socket, path);
     }
 
-    QHash<QByteArray, Handler> m_routes;
-    QList<Request> m_log;
-    QElapsedTimer m_clock;
+    QHash<QByteArray, Handler> _routes;
+    QList<Request> _log;
+    QElapsedTimer _clock;
 };
 
 // Servers an HTTP client must give up on. Wherever the client has to refuse the answer anyway,

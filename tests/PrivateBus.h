@@ -10,18 +10,18 @@ class PrivateBus
 public:
     PrivateBus()
     {
-        m_daemon.start(QStringLiteral("dbus-daemon"), {"--session", "--nofork", "--nopidfile", "--print-address=1"});
-        for (QDeadlineTimer deadline(10000); m_daemon.waitForStarted() && !m_daemon.canReadLine() && !deadline.hasExpired();)
-            m_daemon.waitForReadyRead(100);
-        m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-        QDBusConnection::connectToBus(m_address, name);
+        _daemon.start(QStringLiteral("dbus-daemon"), {"--session", "--nofork", "--nopidfile", "--print-address=1"});
+        for (QDeadlineTimer deadline(10000); _daemon.waitForStarted() && !_daemon.canReadLine() && !deadline.hasExpired();)
+            _daemon.waitForReadyRead(100);
+        _address = QString::fromUtf8(_daemon.readLine()).trimmed();
+        QDBusConnection::connectToBus(_address, name);
     }
     ~PrivateBus()
     {
         stopMock();
         QDBusConnection::disconnectFromBus(name);
-        m_daemon.kill();
-        m_daemon.waitForFinished();
+        _daemon.kill();
+        _daemon.waitForFinished();
     }
 
     QDBusConnection connection() const { return QDBusConnection(name); }
@@ -30,18 +30,18 @@ public:
     bool startMock(const QString &service, const QStringList &arguments)
     {
         stopMock();
-        m_service = service;
+        _service = service;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), m_address);
-        m_mock.setProcessEnvironment(environment);
-        m_mock.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), _address);
+        _mock.setProcessEnvironment(environment);
+        _mock.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         // Debian's interpreter explicitly: it is the one that has the mock module.
-        m_mock.start(QStringLiteral("/usr/bin/python3"), QStringList{"-m", "dbusmock"} + arguments);
+        _mock.start(QStringLiteral("/usr/bin/python3"), QStringList{"-m", "dbusmock"} + arguments);
         // The name counts only once this very process owns it: a mock ended just before may
         // still hold it for a moment.
-        for (QDeadlineTimer deadline(30000); m_mock.waitForStarted() && !deadline.hasExpired(); m_mock.waitForFinished(20)) {
+        for (QDeadlineTimer deadline(30000); _mock.waitForStarted() && !deadline.hasExpired(); _mock.waitForFinished(20)) {
             const QDBusReply<uint> owner = connection().interface()->servicePid(service);
-            if (owner.isValid() && owner.value() == uint(m_mock.processId()))
+            if (owner.isValid() && owner.value() == uint(_mock.processId()))
                 return true;
         }
         return false;
@@ -49,14 +49,14 @@ public:
 
     void stopMock()
     {
-        m_mock.kill();
-        m_mock.waitForFinished();
+        _mock.kill();
+        _mock.waitForFinished();
     }
 
     // A method of the mock's control interface at `path`; false (and a warning) on error.
     bool callMock(const QString &path, const QString &method, const QVariantList &arguments)
     {
-        QDBusMessage call = QDBusMessage::createMethodCall(m_service, path, QStringLiteral("org.freedesktop.DBus.Mock"), method);
+        QDBusMessage call = QDBusMessage::createMethodCall(_service, path, QStringLiteral("org.freedesktop.DBus.Mock"), method);
         call.setArguments(arguments);
         const QDBusMessage reply = connection().call(call, QDBus::Block, 10000);
         if (reply.type() != QDBusMessage::ReplyMessage)
@@ -68,7 +68,7 @@ public:
     // under test) and what those set off, a fetch and its answer, has been delivered on return.
     void settle()
     {
-        const QDBusMessage ping = QDBusMessage::createMethodCall(m_service, "/", "org.freedesktop.DBus.Peer", "Ping");
+        const QDBusMessage ping = QDBusMessage::createMethodCall(_service, "/", "org.freedesktop.DBus.Peer", "Ping");
         for (int round = 0; round < 3; ++round) {
             QCoreApplication::processEvents();
             connection().call(ping, QDBus::Block, 10000);
@@ -78,8 +78,8 @@ public:
 
 private:
     const QString name = QStringLiteral("kovar-private-bus");
-    QProcess m_daemon;
-    QProcess m_mock;
-    QString m_address;
-    QString m_service;
+    QProcess _daemon;
+    QProcess _mock;
+    QString _address;
+    QString _service;
 };

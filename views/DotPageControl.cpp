@@ -9,7 +9,7 @@ const QColor DotPageControl::OtherDotColor = QColor(255, 255, 255, 77);
 
 DotPageControl::DotPageControl(const QRect &frame, int numberOfPages, QWidget *parent)
     : QWidget(parent)
-    , m_numberOfPages(std::max(0, numberOfPages))
+    , _numberOfPages(std::max(0, numberOfPages))
 {
     setGeometry(frame);
     setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -17,15 +17,15 @@ DotPageControl::DotPageControl(const QRect &frame, int numberOfPages, QWidget *p
 
 void DotPageControl::setCurrentPage(int page)
 {
-    if (page < 0 || page >= m_numberOfPages || page == m_currentPage)
+    if (page < 0 || page >= _numberOfPages || page == _currentPage)
         return;
-    m_currentPage = page;
+    _currentPage = page;
     update();
 }
 
 QRectF DotPageControl::dotRect(int page) const
 {
-    const qreal rowWidth = m_numberOfPages * DotDiameter + std::max(0, m_numberOfPages - 1) * DotSpacing;
+    const qreal rowWidth = _numberOfPages * DotDiameter + std::max(0, _numberOfPages - 1) * DotSpacing;
     const qreal left = (width() - rowWidth) / 2.0 + page * (DotDiameter + DotSpacing);
     return QRectF(left, (height() - DotDiameter) / 2.0, DotDiameter, DotDiameter);
 }
@@ -35,8 +35,8 @@ void DotPageControl::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    for (int page = 0; page < m_numberOfPages; ++page) {
-        painter.setBrush(page == m_currentPage ? CurrentDotColor : OtherDotColor);
+    for (int page = 0; page < _numberOfPages; ++page) {
+        painter.setBrush(page == _currentPage ? CurrentDotColor : OtherDotColor);
         painter.drawEllipse(dotRect(page));
     }
 }

@@ -18,8 +18,8 @@ public:
 
     DotPageControl(const QRect &frame, int numberOfPages, QWidget *parent = nullptr);
 
-    int numberOfPages() const { return m_numberOfPages; }
-    int currentPage() const { return m_currentPage; }
+    int numberOfPages() const { return _numberOfPages; }
+    int currentPage() const { return _currentPage; }
     // A page out of range is ignored.
     void setCurrentPage(int page);
 
@@ -29,6 +29,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    int m_numberOfPages;
-    int m_currentPage = 0;
+    int _numberOfPages;
+    int _currentPage = 0;
 };

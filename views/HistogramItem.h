@@ -9,7 +9,7 @@ class HistogramItem
 public:
     constexpr HistogramItem() = default;
     constexpr HistogramItem(qint32 data1, qint32 data2, qint32 data3)
-        : m_data1(data1), m_data2(data2), m_data3(data3)
+        : _data1(data1), _data2(data2), _data3(data3)
     {
     }
 
@@ -23,21 +23,21 @@ public:
         return HistogramItem(user, system, idle);
     }
 
-    constexpr qint32 data1() const { return m_data1; }
-    constexpr qint32 data2() const { return m_data2; }
-    constexpr qint32 data3() const { return m_data3; }
-    constexpr void setData1(qint32 value) { m_data1 = value; }
-    constexpr void setData2(qint32 value) { m_data2 = value; }
-    constexpr void setData3(qint32 value) { m_data3 = value; }
+    constexpr qint32 data1() const { return _data1; }
+    constexpr qint32 data2() const { return _data2; }
+    constexpr qint32 data3() const { return _data3; }
+    constexpr void setData1(qint32 value) { _data1 = value; }
+    constexpr void setData2(qint32 value) { _data2 = value; }
+    constexpr void setData3(qint32 value) { _data3 = value; }
 
-    constexpr qint32 user() const { return m_data1; }
-    constexpr qint32 system() const { return m_data2; }
-    constexpr qint32 idle() const { return m_data3; }
+    constexpr qint32 user() const { return _data1; }
+    constexpr qint32 system() const { return _data2; }
+    constexpr qint32 idle() const { return _data3; }
 
     friend constexpr bool operator==(const HistogramItem &, const HistogramItem &) = default;
 
 private:
-    qint32 m_data1 = 0;
-    qint32 m_data2 = 0;
-    qint32 m_data3 = 0;
+    qint32 _data1 = 0;
+    qint32 _data2 = 0;
+    qint32 _data3 = 0;
 };

@@ -45,17 +45,17 @@ void OOHistogramView::addItemData(const HistogramItem &item)
     // An all-zero sample has no shares to split and would divide by zero.
     if (item.data1() == 0 && item.data2() == 0 && item.data3() == 0)
         return;
-    m_itemData.append(item);
-    if (m_itemData.size() > HistoryLimit)
-        m_itemData.remove(0, m_itemData.size() - HistoryLimit);
+    _itemData.append(item);
+    if (_itemData.size() > HistoryLimit)
+        _itemData.remove(0, _itemData.size() - HistoryLimit);
     update();
 }
 
 void OOHistogramView::setItemData(const QList<HistogramItem> &itemData)
 {
-    m_itemData = itemData;
-    if (m_itemData.size() > HistoryLimit)
-        m_itemData.remove(0, m_itemData.size() - HistoryLimit);
+    _itemData = itemData;
+    if (_itemData.size() > HistoryLimit)
+        _itemData.remove(0, _itemData.size() - HistoryLimit);
     update();
 }
 
@@ -66,12 +66,12 @@ void OOHistogramView::paintEvent(QPaintEvent *)
     const float w = float(width());
     const float h = float(height());
 
-    if (!m_itemData.isEmpty()) {
-        const qsizetype n = m_itemData.size();
-        const int columns = cellCount(w, m_itemRectWidth);
-        const int rows = cellCount(h, m_itemRectHeight);
-        const float pitchX = m_itemRectWidth + Gap;
-        const float pitchY = m_itemRectHeight + Gap;
+    if (!_itemData.isEmpty()) {
+        const qsizetype n = _itemData.size();
+        const int columns = cellCount(w, _itemRectWidth);
+        const int rows = cellCount(h, _itemRectHeight);
+        const float pitchX = _itemRectWidth + Gap;
+        const float pitchY = _itemRectHeight + Gap;
 
         qsizetype first = 0;
         float x0 = Margin;
@@ -83,7 +83,7 @@ void OOHistogramView::paintEvent(QPaintEvent *)
         }
 
         for (qsizetype i = first; i < n && columns > 0; ++i) {
-            const HistogramItem &item = m_itemData.at(i);
+            const HistogramItem &item = _itemData.at(i);
             const qint64 user = item.user();
             const qint64 system = item.system();
             const qint64 idle = item.idle();
@@ -105,7 +105,7 @@ void OOHistogramView::paintEvent(QPaintEvent *)
                 if (row < idleRows)
                     continue;
                 const QColor &color = row < idleRows + userRows ? UserColor : SystemColor;
-                painter.fillRect(QRectF(x, pitchY * float(row) + Margin, m_itemRectWidth, m_itemRectHeight),
+                painter.fillRect(QRectF(x, pitchY * float(row) + Margin, _itemRectWidth, _itemRectHeight),
                                  color);
             }
         }

@@ -21,19 +21,19 @@ public:
     // Appends a sample and repaints; an all-zero sample is ignored.
     void addItemData(const HistogramItem &item);
 
-    const QList<HistogramItem> &itemData() const { return m_itemData; }
+    const QList<HistogramItem> &itemData() const { return _itemData; }
     void setItemData(const QList<HistogramItem> &itemData);
 
-    float itemRectWidth() const { return m_itemRectWidth; }
-    void setItemRectWidth(float width) { m_itemRectWidth = width; }
-    float itemRectHeight() const { return m_itemRectHeight; }
-    void setItemRectHeight(float height) { m_itemRectHeight = height; }
+    float itemRectWidth() const { return _itemRectWidth; }
+    void setItemRectWidth(float width) { _itemRectWidth = width; }
+    float itemRectHeight() const { return _itemRectHeight; }
+    void setItemRectHeight(float height) { _itemRectHeight = height; }
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QList<HistogramItem> m_itemData;
-    float m_itemRectWidth = 0.0f;
-    float m_itemRectHeight = 0.0f;
+    QList<HistogramItem> _itemData;
+    float _itemRectWidth = 0.0f;
+    float _itemRectHeight = 0.0f;
 };

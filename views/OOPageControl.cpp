@@ -25,13 +25,13 @@ bool validIndex(qsizetype index, qsizetype count)
 
 OOPageControl::OOPageControl(const QRect &frame, int numberOfPages, QWidget *parent)
     : QWidget(parent)
-    , m_numberOfPages(numberOfPages)
+    , _numberOfPages(numberOfPages)
 {
     setGeometry(frame);
     setAutoFillBackground(false);
 
     const qreal h = qreal(frame.height()) - 4.0;
-    m_titleFont = FontTable::font(QStringLiteral("TrebuchetMS-Bold"), h - 4.0);
+    _titleFont = FontTable::font(QStringLiteral("TrebuchetMS-Bold"), h - 4.0);
     if (numberOfPages < 1)
         return;
     const qreal cell = (qreal(frame.width()) - 2.0) / qreal(numberOfPages);
@@ -39,13 +39,13 @@ OOPageControl::OOPageControl(const QRect &frame, int numberOfPages, QWidget *par
 
     for (int i = 0; i < numberOfPages; ++i) {
         const QRectF rect(qreal(i) * cell + 2.0, 2.0, w, h);
-        m_cells.append(Cell { rect, QColor(Qt::transparent), TitleColor, QString() });
+        _cells.append(Cell { rect, QColor(Qt::transparent), TitleColor, QString() });
 
         auto *button = new OOPageCellButton(this);
         button->setGeometry(rect.toAlignedRect() & QRect(QPoint(0, 0), frame.size()));
         button->setProperty("tag", i);
         connect(button, &QAbstractButton::clicked, this, &OOPageControl::buttonWasTouchUpInside);
-        m_buttons.append(button);
+        _buttons.append(button);
     }
 }
 
@@ -53,8 +53,8 @@ OOPageControl::~OOPageControl() = default;
 
 void OOPageControl::setCurrentPage(int page)
 {
-    for (qsizetype i = 0; i < m_cells.size(); ++i) {
-        Cell &cell = m_cells[i];
+    for (qsizetype i = 0; i < _cells.size(); ++i) {
+        Cell &cell = _cells[i];
         const bool current = i == page;
         cell.pillColor = current ? CurrentPillColor : QColor(Qt::transparent);
         cell.titleColor = current ? CurrentTitleColor : TitleColor;
@@ -68,9 +68,9 @@ void OOPageControl::setTitles(const QVariantList &titles)
     for (const QVariant &title : titles) {
         if (title.typeId() != QMetaType::QString)
             continue;
-        if (index > m_cells.size() - 1)
+        if (index > _cells.size() - 1)
             break;
-        m_cells[index].title = title.toString();
+        _cells[index].title = title.toString();
         ++index;
     }
     update();
@@ -78,22 +78,22 @@ void OOPageControl::setTitles(const QVariantList &titles)
 
 QRectF OOPageControl::cellRect(int index) const
 {
-    return validIndex(index, m_cells.size()) ? m_cells.at(index).rect : QRectF();
+    return validIndex(index, _cells.size()) ? _cells.at(index).rect : QRectF();
 }
 
 QString OOPageControl::title(int index) const
 {
-    return validIndex(index, m_cells.size()) ? m_cells.at(index).title : QString();
+    return validIndex(index, _cells.size()) ? _cells.at(index).title : QString();
 }
 
 QColor OOPageControl::pillColor(int index) const
 {
-    return validIndex(index, m_cells.size()) ? m_cells.at(index).pillColor : QColor();
+    return validIndex(index, _cells.size()) ? _cells.at(index).pillColor : QColor();
 }
 
 QColor OOPageControl::titleColor(int index) const
 {
-    return validIndex(index, m_cells.size()) ? m_cells.at(index).titleColor : QColor();
+    return validIndex(index, _cells.size()) ? _cells.at(index).titleColor : QColor();
 }
 
 qreal OOPageControl::cellCornerRadius() const
@@ -112,10 +112,10 @@ void OOPageControl::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::TextAntialiasing);
     const qreal radius = cellCornerRadius();
-    painter.setFont(m_titleFont);
-    const QFontMetricsF metrics(m_titleFont);
+    painter.setFont(_titleFont);
+    const QFontMetricsF metrics(_titleFont);
 
-    for (const Cell &cell : std::as_const(m_cells)) {
+    for (const Cell &cell : std::as_const(_cells)) {
         if (cell.pillColor.alpha() != 0) {
             QPainterPath pill;
             pill.addRoundedRect(cell.rect, radius, radius);

@@ -31,17 +31,17 @@ public:
     // using up a cell; surplus strings are ignored.
     void setTitles(const QVariantList &titles);
 
-    OOPageControlDelegate *delegate() const { return m_delegate; }
-    void setDelegate(OOPageControlDelegate *delegate) { m_delegate = delegate; }
+    OOPageControlDelegate *delegate() const { return _delegate; }
+    void setDelegate(OOPageControlDelegate *delegate) { _delegate = delegate; }
 
-    int numberOfPages() const { return m_numberOfPages; }
+    int numberOfPages() const { return _numberOfPages; }
     QRectF cellRect(int index) const;
     QString title(int index) const;
     QColor pillColor(int index) const;
     QColor titleColor(int index) const;
-    QFont titleFont() const { return m_titleFont; }
+    QFont titleFont() const { return _titleFont; }
     qreal cellCornerRadius() const;
-    QList<OOPageCellButton *> cellButtons() const { return m_buttons; }
+    QList<OOPageCellButton *> cellButtons() const { return _buttons; }
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -57,9 +57,9 @@ private:
         QString title;
     };
 
-    OOPageControlDelegate *m_delegate = nullptr;
-    QList<Cell> m_cells;
-    QList<OOPageCellButton *> m_buttons;
-    QFont m_titleFont;
-    int m_numberOfPages = 0;
+    OOPageControlDelegate *_delegate = nullptr;
+    QList<Cell> _cells;
+    QList<OOPageCellButton *> _buttons;
+    QFont _titleFont;
+    int _numberOfPages = 0;
 };

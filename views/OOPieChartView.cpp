@@ -90,13 +90,13 @@ OOPieChartView::OOPieChartView(const QRect &frame, QWidget *parent)
 void OOPieChartView::addItemData0(const PieChartItem &data0, const PieChartItem &data1,
                                   const PieChartItem &data2, const PieChartItem &data3)
 {
-    m_itemData = { data0, data1, data2, data3 };
+    _itemData = { data0, data1, data2, data3 };
     update();
 }
 
 void OOPieChartView::setItemData(const QList<PieChartItem> &itemData)
 {
-    m_itemData = itemData;
+    _itemData = itemData;
     update();
 }
 
@@ -122,19 +122,19 @@ void OOPieChartView::paintEvent(QPaintEvent *)
     ring.setFillRule(Qt::OddEvenFill);
     DropShadow::fillPath(painter, ring, BaseRingColor, QPointF(3.0, 3.0), 3.0);
 
-    if (m_itemData.isEmpty()) {
+    if (_itemData.isEmpty()) {
         qCWarning(lcViews).noquote() << "#### OOPieChartView itemData count:[0]";
     } else {
         quint64 sum = 0;
-        for (const PieChartItem &item : m_itemData)
+        for (const PieChartItem &item : _itemData)
             sum += item.value();
         const double total = double(sum);
         double start = 0.0;
-        for (qsizetype i = 0; i < m_itemData.size(); ++i) {
-            const PieChartItem &item = m_itemData.at(i);
+        for (qsizetype i = 0; i < _itemData.size(); ++i) {
+            const PieChartItem &item = _itemData.at(i);
             // The last segment runs on to angle 0 so that rounding leaves no gap;
             // a single item therefore starts and ends at 0 and shows nothing.
-            const double end = i == m_itemData.size() - 1 ? 0.0 : double(item.value()) / total * TwoPi + start;
+            const double end = i == _itemData.size() - 1 ? 0.0 : double(item.value()) / total * TwoPi + start;
             painter.fillPath(ringSegment(centre, outer, inner, float(start), float(end)), item.color());
             start = end;
         }

@@ -18,7 +18,7 @@ public:
     void addItemData0(const PieChartItem &data0, const PieChartItem &data1, const PieChartItem &data2,
                       const PieChartItem &data3);
 
-    const QList<PieChartItem> &itemData() const { return m_itemData; }
+    const QList<PieChartItem> &itemData() const { return _itemData; }
     void setItemData(const QList<PieChartItem> &itemData);
 
     // Ring geometry for a bounds size: outer and inner radius.
@@ -29,5 +29,5 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QList<PieChartItem> m_itemData;
+    QList<PieChartItem> _itemData;
 };

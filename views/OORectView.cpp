@@ -21,14 +21,14 @@ OORectView::OORectView(const QRect &frame, QWidget *parent)
 
 void OORectView::setRectColor(const QColor &color)
 {
-    m_rectColor = color;
+    _rectColor = color;
     update();
 }
 
 void OORectView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    paintSwatch(painter, QRectF(rect()), m_type, m_rectColor, m_border);
+    paintSwatch(painter, QRectF(rect()), _type, _rectColor, _border);
 }
 
 void OORectView::paintSwatch(QPainter &painter, const QRectF &frame, qint32 type, const QColor &color, float border)

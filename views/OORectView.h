@@ -15,15 +15,15 @@ class OORectView : public QWidget
 public:
     explicit OORectView(const QRect &frame = QRect(), QWidget *parent = nullptr);
 
-    QColor rectColor() const { return m_rectColor; }
+    QColor rectColor() const { return _rectColor; }
     // Repaints. An invalid colour means no fill.
     void setRectColor(const QColor &color);
 
     // Type and border take effect at the next repaint; they do not ask for one.
-    qint32 type() const { return m_type; }
-    void setType(qint32 type) { m_type = type; }
-    float border() const { return m_border; }
-    void setBorder(float border) { m_border = border; }
+    qint32 type() const { return _type; }
+    void setType(qint32 type) { _type = type; }
+    float border() const { return _border; }
+    void setBorder(float border) { _border = border; }
 
     // Paints what a view of this class with these settings paints, into frame.
     // Lets a list delegate show swatches without a widget per row.
@@ -33,7 +33,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QColor m_rectColor;
-    qint32 m_type = 0;
-    float m_border = 1.0f;
+    QColor _rectColor;
+    qint32 _type = 0;
+    float _border = 1.0f;
 };

@@ -65,24 +65,24 @@ OOStateBarView::OOStateBarView(const QRect &frame, QWidget *parent)
 {
     if (frame.isValid())
         setGeometry(frame);
-    m_cornerRadius = float(double(frame.height()) * 0.5 - double(m_shadowSize));
+    _cornerRadius = float(double(frame.height()) * 0.5 - double(_shadowSize));
 }
 
 void OOStateBarView::addItemData(const StateBarItem &item)
 {
-    m_itemData.append(item);
+    _itemData.append(item);
     update();
 }
 
 void OOStateBarView::addItemData0(const StateBarItem &data0, const StateBarItem &data1)
 {
-    m_itemData = { data0, data1 };
+    _itemData = { data0, data1 };
     update();
 }
 
 void OOStateBarView::setItemData(const QList<StateBarItem> &itemData)
 {
-    m_itemData = itemData;
+    _itemData = itemData;
     update();
 }
 
@@ -110,7 +110,7 @@ QPainterPath OOStateBarView::createRoundedRectPathWithRect(const QRectF &rect, f
 
 QPainterPath OOStateBarView::outlinePath() const
 {
-    return createRoundedRectPathWithRect(QRectF(0.0, 0.0, width() - 6.0, height() - 6.0), m_cornerRadius);
+    return createRoundedRectPathWithRect(QRectF(0.0, 0.0, width() - 6.0, height() - 6.0), _cornerRadius);
 }
 
 void OOStateBarView::paintEvent(QPaintEvent *)
@@ -119,16 +119,16 @@ void OOStateBarView::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     const double w = width();
     const double h = height();
-    const double s = m_shadowSize;
+    const double s = _shadowSize;
     const QPointF shadowOffset(s - 2.0, s - 2.0);
 
     DropShadow::fillPath(painter, outlinePath(), BackgroundColor, shadowOffset, s);
 
-    if (m_itemData.isEmpty()) {
+    if (_itemData.isEmpty()) {
         qCWarning(lcViews).noquote() << "#### OOStateBarView itemData count:[0]";
     } else {
         double total = 0.0;
-        for (const StateBarItem &item : m_itemData)
+        for (const StateBarItem &item : _itemData)
             total += item.value();
 
         DropShadow::fillPath(painter, outlinePath(), UnderlayColor, shadowOffset, s);
@@ -137,10 +137,10 @@ void OOStateBarView::paintEvent(QPaintEvent *)
         painter.setClipPath(outlinePath());
 
         float x = 0.0f;
-        for (qsizetype i = 0; i < m_itemData.size(); ++i) {
-            const StateBarItem &item = m_itemData.at(i);
+        for (qsizetype i = 0; i < _itemData.size(); ++i) {
+            const StateBarItem &item = _itemData.at(i);
             double segmentWidth = w - s;
-            if (i != m_itemData.size() - 1) {
+            if (i != _itemData.size() - 1) {
                 segmentWidth = std::trunc((w - s) * item.value() / total);
                 if (!std::isfinite(segmentWidth))
                     segmentWidth = 0.0; // 0/0 from an all-zero bar

@@ -21,13 +21,13 @@ public:
     // Replaces all items by these two and repaints.
     void addItemData0(const StateBarItem &data0, const StateBarItem &data1);
 
-    const QList<StateBarItem> &itemData() const { return m_itemData; }
+    const QList<StateBarItem> &itemData() const { return _itemData; }
     void setItemData(const QList<StateBarItem> &itemData);
 
-    float shadowSize() const { return m_shadowSize; }
-    void setShadowSize(float shadowSize) { m_shadowSize = shadowSize; }
-    float cornerRadius() const { return m_cornerRadius; }
-    void setCornerRadius(float cornerRadius) { m_cornerRadius = cornerRadius; }
+    float shadowSize() const { return _shadowSize; }
+    void setShadowSize(float shadowSize) { _shadowSize = shadowSize; }
+    float cornerRadius() const { return _cornerRadius; }
+    void setCornerRadius(float cornerRadius) { _cornerRadius = cornerRadius; }
 
     // A rounded rectangle whose radius is capped at half the rectangle's
     // longer side (not the shorter one: a radius above half the height passes
@@ -40,7 +40,7 @@ protected:
 private:
     QPainterPath outlinePath() const;
 
-    QList<StateBarItem> m_itemData;
-    float m_shadowSize = 5.0f;
-    float m_cornerRadius = 0.0f;
+    QList<StateBarItem> _itemData;
+    float _shadowSize = 5.0f;
+    float _cornerRadius = 0.0f;
 };

@@ -10,7 +10,7 @@ class PieChartItem
 public:
     constexpr PieChartItem() = default;
     constexpr PieChartItem(quint64 value, float red, float green, float blue, float alpha)
-        : m_value(value), m_red(red), m_green(green), m_blue(blue), m_alpha(alpha)
+        : _value(value), _red(red), _green(green), _blue(blue), _alpha(alpha)
     {
     }
 
@@ -20,25 +20,25 @@ public:
         return PieChartItem(value, colorRed, green, blue, alpha);
     }
 
-    constexpr quint64 value() const { return m_value; }
-    constexpr float red() const { return m_red; }
-    constexpr float green() const { return m_green; }
-    constexpr float blue() const { return m_blue; }
-    constexpr float alpha() const { return m_alpha; }
-    constexpr void setValue(quint64 value) { m_value = value; }
-    constexpr void setRed(float red) { m_red = red; }
-    constexpr void setGreen(float green) { m_green = green; }
-    constexpr void setBlue(float blue) { m_blue = blue; }
-    constexpr void setAlpha(float alpha) { m_alpha = alpha; }
+    constexpr quint64 value() const { return _value; }
+    constexpr float red() const { return _red; }
+    constexpr float green() const { return _green; }
+    constexpr float blue() const { return _blue; }
+    constexpr float alpha() const { return _alpha; }
+    constexpr void setValue(quint64 value) { _value = value; }
+    constexpr void setRed(float red) { _red = red; }
+    constexpr void setGreen(float green) { _green = green; }
+    constexpr void setBlue(float blue) { _blue = blue; }
+    constexpr void setAlpha(float alpha) { _alpha = alpha; }
 
-    QColor color() const { return QColor::fromRgbF(m_red, m_green, m_blue, m_alpha); }
+    QColor color() const { return QColor::fromRgbF(_red, _green, _blue, _alpha); }
 
     friend constexpr bool operator==(const PieChartItem &, const PieChartItem &) = default;
 
 private:
-    quint64 m_value = 0;
-    float m_red = 0.0f;
-    float m_green = 0.0f;
-    float m_blue = 0.0f;
-    float m_alpha = 1.0f;
+    quint64 _value = 0;
+    float _red = 0.0f;
+    float _green = 0.0f;
+    float _blue = 0.0f;
+    float _alpha = 1.0f;
 };

@@ -9,16 +9,16 @@
 class TestBoundedFetch : public QObject {
     Q_OBJECT
 
-    LoopbackHttpServer m_server;
-    QNetworkAccessManager m_manager;
-    const QByteArray m_body = QByteArray(4096, 'k');
+    LoopbackHttpServer _server;
+    QNetworkAccessManager _manager;
+    const QByteArray _body = QByteArray(4096, 'k');
 
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(m_server.listen(QHostAddress::LocalHost));
-        m_server.routeReply("/good", m_body);
-        m_server.route("/moved", [](QTcpSocket *socket, const QByteArray &) {
+        QVERIFY(_server.listen(QHostAddress::LocalHost));
+        _server.routeReply("/good", _body);
+        _server.route("/moved", [](QTcpSocket *socket, const QByteArray &) {
             LoopbackHttpServer::reply(socket, "301 Moved Permanently", {},
                                       "Location: http://127.0.0.1:" + QByteArray::number(socket->localPort()) + "/good\r\n");
         });
@@ -37,7 +37,7 @@ private Q_SLOTS:
                                                GADRequestError::NetworkError};
         for (const HostileServer &hostile : HostileServer::all()) {
             const QByteArray path = "/hostile/" + QByteArray(hostile.name).replace(' ', '-');
-            m_server.route(path, hostile.serving(m_body));
+            _server.route(path, hostile.serving(_body));
             QTest::newRow(hostile.name) << QString::fromLatin1(path)
                                         << (hostile.refusal == HostileServer::Timeout ? 150 : 3000)
                                         << int(codes[hostile.refusal]);
@@ -48,13 +48,13 @@ private Q_SLOTS:
         QFETCH(QString, path);
         QFETCH(int, timeoutMs);
         QFETCH(int, code);
-        const QUrl url = path.startsWith(u"http") ? QUrl(path) : m_server.url(path.toLatin1());
-        BoundedFetch fetch(&m_manager, url, 1 << 20, timeoutMs);
+        const QUrl url = path.startsWith(u"http") ? QUrl(path) : _server.url(path.toLatin1());
+        BoundedFetch fetch(&_manager, url, 1 << 20, timeoutMs);
         QSignalSpy finished(&fetch, &BoundedFetch::finished);
         QVERIFY(finished.wait(timeoutMs + 2000));
         QCOMPARE(fetch.succeeded(), code == -1);
         if (code == -1)
-            QCOMPARE(fetch.body(), m_body);
+            QCOMPARE(fetch.body(), _body);
         else
             QCOMPARE(int(fetch.error().code), code);
         QTest::qWait(50); // nothing comes after the end
@@ -63,8 +63,8 @@ private Q_SLOTS:
 
     void cancelledFetchSaysNothing()
     {
-        m_server.route("/stall", [](QTcpSocket *, const QByteArray &) {});
-        BoundedFetch fetch(&m_manager, m_server.url("/stall"), 1 << 20, 100);
+        _server.route("/stall", [](QTcpSocket *, const QByteArray &) {});
+        BoundedFetch fetch(&_manager, _server.url("/stall"), 1 << 20, 100);
         QSignalSpy finished(&fetch, &BoundedFetch::finished);
         fetch.cancel();
         QTest::qWait(300); // past the deadline

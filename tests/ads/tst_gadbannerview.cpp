@@ -65,40 +65,40 @@ class TestGADBannerView : public QObject
 {
     Q_OBJECT
 
-    LoopbackHttpServer m_server;
-    QList<QUrl> m_opened;
-    std::vector<Banner> m_kept;
-    const QByteArray m_png = fixture(QStringLiteral("red-640x100.png"));
+    LoopbackHttpServer _server;
+    QList<QUrl> _opened;
+    std::vector<Banner> _kept;
+    const QByteArray _png = fixture(QStringLiteral("red-640x100.png"));
 
     // Banner descriptions, with "$" for the server's address until resolved.
     static QByteArray description(const QByteArray &image, const QByteArray &more = "") { return "{\"image\": \"" + image + "\", \"click\": \"$/click/new\"" + more + '}'; }
-    QByteArray resolved(QByteArray json) const { return json.replace('$', m_server.url({}).toEncoded()); }
-    void routeBanner(const QByteArray &server, const QByteArray &json) { m_server.routeReply(server + "/v1/banner", resolved(json)); }
+    QByteArray resolved(QByteArray json) const { return json.replace('$', _server.url({}).toEncoded()); }
+    void routeBanner(const QByteArray &server, const QByteArray &json) { _server.routeReply(server + "/v1/banner", resolved(json)); }
     Banner banner(const QString &server, int timeoutMs = 5000, int msPerSecond = 1000)
     {
         Banner made{std::make_unique<GADBannerView>(QRect(0, 0, 320, 50)), std::make_unique<Recorder>()};
         made.first->applicationStateChanged(Qt::ApplicationActive);
         made.first->setAdUnitID(QStringLiteral("c0ffee000000001"));
-        made.first->setServerUrl(server.startsWith(u"http") ? QUrl(server) : m_server.url(server.toLatin1()));
+        made.first->setServerUrl(server.startsWith(u"http") ? QUrl(server) : _server.url(server.toLatin1()));
         made.first->setTiming({timeoutMs, msPerSecond});
         made.first->setDelegate(made.second.get());
         return made;
     }
 
 public Q_SLOTS:
-    void open(const QUrl &url) { m_opened << url; } // the user's browser
+    void open(const QUrl &url) { _opened << url; } // the user's browser
 
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(m_server.listen(QHostAddress::LocalHost));
+        QVERIFY(_server.listen(QHostAddress::LocalHost));
         for (const char *scheme : {"http", "https", "file", "javascript"})
             QDesktopServices::setUrlHandler(QLatin1String(scheme), this, "open");
         for (const QString &name : QDir(FixtureTree::path(QStringLiteral("banner"))).entryList(QDir::Files))
-            m_server.routeReply("/banner/" + name.toLatin1(), fixture(name));
+            _server.routeReply("/banner/" + name.toLatin1(), fixture(name));
         routeBanner("/shown", description("$/banner/red-640x100.png").replace("/click/new", "/click/shown"));
     }
-    void init() { m_opened.clear(); }
+    void init() { _opened.clear(); }
     void cleanupTestCase()
     {
         for (const char *scheme : {"http", "https", "file", "javascript"})
@@ -108,14 +108,14 @@ private Q_SLOTS:
     void answers_data()
     {
         QTest::addColumn<Answer>("answer");
-        m_server.routeReply("/full.png", m_png + QByteArray(GADBannerView::MaxImageBytes - m_png.size(), '\0'));
+        _server.routeReply("/full.png", _png + QByteArray(GADBannerView::MaxImageBytes - _png.size(), '\0'));
         QByteArray full = resolved(description("$/full.png"));
         routeBanner("/full", full.insert(1, QByteArray(GADBannerView::MaxResponseBytes - full.size(), ' ')));
         routeBanner("/jpeg", description("$/banner/red-640x100.jpg"));
         routeBanner("/gif", description("$/banner/red-1x1.gif"));
         routeBanner("/deep/prefix", description("$/banner/red-640x100.png"));
-        const QByteArray moved = "Location: " + m_server.url("/deep/prefix/v1/banner").toEncoded() + "\r\n";
-        m_server.route("/moved/v1/banner", [moved](QTcpSocket *socket, const QByteArray &) { LoopbackHttpServer::reply(socket, "302 Found", {}, moved); });
+        const QByteArray moved = "Location: " + _server.url("/deep/prefix/v1/banner").toEncoded() + "\r\n";
+        _server.route("/moved/v1/banner", [moved](QTcpSocket *socket, const QByteArray &) { LoopbackHttpServer::reply(socket, "302 Found", {}, moved); });
         QTest::newRow("PNG of exactly 1 MiB in JSON of exactly 64 KiB fills the banner") << Answer{.server = "/full", .painted = {2, 2}};
         QTest::newRow("JPEG; a right click opens nothing") << Answer{.server = "/jpeg", .button = Qt::RightButton};
         QTest::newRow("GIF of one pixel, scaled up square and centred; a click beside it opens the address")
@@ -131,7 +131,7 @@ private Q_SLOTS:
         const auto add = [&](const char *name, const QByteArray &json, int code, LoopbackHttpServer::Handler image = {}, int timeoutMs = 3000) {
             const QByteArray path = '/' + QByteArray::number(++rows);
             routeBanner(path, QByteArray(json).replace("$/image", "$" + path + "/image"));
-            m_server.route(path + "/image", image ? image : [](QTcpSocket *s, const QByteArray &) { LoopbackHttpServer::reply(s, "404 Not Found", {}); });
+            _server.route(path + "/image", image ? image : [](QTcpSocket *s, const QByteArray &) { LoopbackHttpServer::reply(s, "404 Not Found", {}); });
             QTest::newRow(name) << Answer{.server = QString::fromLatin1(path), .code = code, .timeoutMs = timeoutMs};
         };
         const QStringList codeNames = {"NotConfigured", "NetworkError", "ServerError", "InvalidResponse", "InvalidImage", "Timeout", "TooLarge"};
@@ -143,8 +143,8 @@ private Q_SLOTS:
         for (const HostileServer &hostile : HostileServer::all()) {
             const int timeoutMs = hostile.refusal == HostileServer::Timeout ? 80 : 3000;
             add(qPrintable(QStringLiteral("server %1").arg(hostile.name)), "{}", codes[hostile.refusal], {}, timeoutMs);
-            m_server.route('/' + QByteArray::number(rows) + "/v1/banner", hostile.serving(resolved(description("$/banner/red-640x100.png"))));
-            add(qPrintable(QStringLiteral("image server %1").arg(hostile.name)), description("$/image"), codes[hostile.refusal], hostile.serving(m_png), timeoutMs);
+            _server.route('/' + QByteArray::number(rows) + "/v1/banner", hostile.serving(resolved(description("$/banner/red-640x100.png"))));
+            add(qPrintable(QStringLiteral("image server %1").arg(hostile.name)), description("$/image"), codes[hostile.refusal], hostile.serving(_png), timeoutMs);
         }
         QTest::newRow("connection refused") << Answer{.server = "http://127.0.0.1:1", .code = E::NetworkError};
     }
@@ -155,14 +155,14 @@ private Q_SLOTS:
         b.first->loadRequest({});
         QVERIFY(waitFor([&] { return !b.second->codes.isEmpty(); }));
         const QImage shown = b.first->image();
-        b.first->setServerUrl(answer.server.startsWith(u"http") ? QUrl(answer.server) : m_server.url(answer.server.toLatin1()));
+        b.first->setServerUrl(answer.server.startsWith(u"http") ? QUrl(answer.server) : _server.url(answer.server.toLatin1()));
         b.first->setTiming({answer.timeoutMs, 1000});
         b.first->loadRequest({});
         QVERIFY(waitFor([&] { return b.second->codes.size() > 1; }, answer.timeoutMs + 1000));
         QCOMPARE(b.second->codes, (QList<int>{Arrival, answer.code}));
         QCOMPARE(b.second->views.last(), b.first.get());
         const QByteArray path = answer.server.toLatin1() + (answer.server.endsWith(u'/') ? "" : "/") + "v1/banner";
-        QVERIFY(answer.server.startsWith(u"http") || m_server.requests(path).value(0).target == path + "?unit=c0ffee000000001&w=320&h=50");
+        QVERIFY(answer.server.startsWith(u"http") || _server.requests(path).value(0).target == path + "?unit=c0ffee000000001&w=320&h=50");
 
         // A refused answer leaves the banner on show, and a click opens the address of the one on show.
         QVERIFY(answer.code == Arrival || b.first->image() == shown);
@@ -174,8 +174,8 @@ private Q_SLOTS:
         QTest::mousePress(b.first.get(), answer.button, {}, answer.press);
         QTest::mouseRelease(b.first.get(), answer.button, {}, answer.release);
         const bool opens = answer.button == Qt::LeftButton && b.first->rect().contains(answer.release);
-        QCOMPARE(m_opened, opens ? QList<QUrl>{m_server.url(answer.code == Arrival ? "/click/new" : "/click/shown")} : QList<QUrl>{});
-        m_kept.push_back(std::move(b)); // see noSecondCallback()
+        QCOMPARE(_opened, opens ? QList<QUrl>{_server.url(answer.code == Arrival ? "/click/new" : "/click/shown")} : QList<QUrl>{});
+        _kept.push_back(std::move(b)); // see noSecondCallback()
     }
 
     void schedule()
@@ -189,10 +189,10 @@ private Q_SLOTS:
             {"a failure is retried after 60", nullptr, 3, 60},
         };
         std::vector<Banner> banners;
-        const auto asked = [this](size_t i) { return m_server.requests("/refresh/" + QByteArray::number(i) + "/v1/banner"); };
+        const auto asked = [this](size_t i) { return _server.requests("/refresh/" + QByteArray::number(i) + "/v1/banner"); };
         for (const auto &c : cases) {
             const QByteArray path = "/refresh/" + QByteArray::number(banners.size());
-            m_server.routeReply(path + "/v1/banner", resolved(description("$/banner/red-640x100.png", c.refresh)), c.refresh ? "200 OK" : "500 Internal Server Error");
+            _server.routeReply(path + "/v1/banner", resolved(description("$/banner/red-640x100.png", c.refresh)), c.refresh ? "200 OK" : "500 Internal Server Error");
             banners.push_back(banner(QString::fromLatin1(path), 5000, c.msPerSecond));
             banners.back().first->loadRequest({});
         }
@@ -207,7 +207,7 @@ private Q_SLOTS:
     {
         // refresh 30 at 3 ms a second: due 90 ms after an answer.
         routeBanner("/pause", description("$/banner/red-640x100.png"));
-        const auto asked = [this] { return m_server.requests("/pause/v1/banner"); };
+        const auto asked = [this] { return _server.requests("/pause/v1/banner"); };
         const Banner b = banner(QStringLiteral("/pause"), 5000, 3);
         // Loaded while the application is inactive: not even a network manager yet.
         b.first->applicationStateChanged(Qt::ApplicationInactive);
@@ -223,9 +223,9 @@ private Q_SLOTS:
         QVERIFY2(asked()[1].atMs - asked()[0].atMs >= 75, qPrintable(QString::number(asked()[1].atMs - asked()[0].atMs)));
         // Paused past the due time: nothing until the application is active again, then at once.
         b.first->applicationStateChanged(Qt::ApplicationInactive);
-        QVERIFY(waitFor([&] { return m_server.elapsedMs() > asked()[1].atMs + 150; }));
+        QVERIFY(waitFor([&] { return _server.elapsedMs() > asked()[1].atMs + 150; }));
         QCOMPARE(asked().size(), 2);
-        const qint64 activated = m_server.elapsedMs();
+        const qint64 activated = _server.elapsedMs();
         b.first->applicationStateChanged(Qt::ApplicationActive);
         QVERIFY(waitFor([&] { return asked().size() == 3; }));
         QVERIFY2(asked()[2].atMs - activated < 60, qPrintable(QString::number(asked()[2].atMs - activated)));
@@ -237,7 +237,7 @@ private Q_SLOTS:
         QFETCH(QString, server);
         QFETCH(QString, unit);
         Banner b = banner(server, 5000, 1); // a retry would come 60 ms later
-        b.first->setServerUrl(QUrl(server.replace(u'$', m_server.url({}).authority())));
+        b.first->setServerUrl(QUrl(server.replace(u'$', _server.url({}).authority())));
         b.first->setAdUnitID(unit);
         b.first->loadRequest({});
         b.first->setDelegate(nullptr); // hears nothing, and nothing breaks
@@ -254,7 +254,7 @@ private Q_SLOTS:
         // Nor does becoming active again wake a parked banner.
         b.first->applicationStateChanged(Qt::ApplicationInactive);
         b.first->applicationStateChanged(Qt::ApplicationActive);
-        m_kept.push_back(std::move(b));
+        _kept.push_back(std::move(b));
     }
 
     void noSecondCallback()
@@ -262,9 +262,9 @@ private Q_SLOTS:
         // One wait for all the banners kept above, past their time-outs and a parked banner's retry:
         // each was told once more after its banner on show, if it had one.
         QTest::qWait(200);
-        for (const Banner &b : m_kept)
+        for (const Banner &b : _kept)
             QCOMPARE(b.second->codes.size(), b.second->codes.first() == Arrival ? 2 : 1);
-        QVERIFY(m_server.requests("/parked/v1/banner").isEmpty());
+        QVERIFY(_server.requests("/parked/v1/banner").isEmpty());
     }
 };
 

@@ -48,7 +48,7 @@ NetworkInfoReader::Seams quietSeams()
 class TestNetworkInfoReader : public QObject {
     Q_OBJECT
 
-    LoopbackHttpServer m_server;
+    LoopbackHttpServer _server;
 
 private Q_SLOTS:
     void reachability_data()
@@ -266,15 +266,15 @@ private Q_SLOTS:
     // The external address query against servers that answer well, badly or not at all.
     void externalAddress_data()
     {
-        QVERIFY(m_server.isListening() || m_server.listen(QHostAddress::LocalHost));
+        QVERIFY(_server.isListening() || _server.listen(QHostAddress::LocalHost));
         QTest::addColumn<QString>("url");
         QTest::addColumn<int>("timeoutMs");
         QTest::addColumn<QString>("expected"); // empty: an error text, not the address
         const QByteArray address = "203.0.113.7\n" + QByteArray(1024 - 12, ' '); // exactly the default 1 KiB cap
-        m_server.routeReply("/address", address);
-        m_server.routeReply("/non-ascii", "203.0.113.7 \xC3\xA9t\xC3\xA9");
-        QTest::newRow("body of exactly 1 KiB") << m_server.url("/address").toString() << 3000 << QString::fromLatin1(address);
-        QTest::newRow("non-ASCII body") << m_server.url("/non-ascii").toString() << 3000 << "The response is not ASCII text.";
+        _server.routeReply("/address", address);
+        _server.routeReply("/non-ascii", "203.0.113.7 \xC3\xA9t\xC3\xA9");
+        QTest::newRow("body of exactly 1 KiB") << _server.url("/address").toString() << 3000 << QString::fromLatin1(address);
+        QTest::newRow("non-ASCII body") << _server.url("/non-ascii").toString() << 3000 << "The response is not ASCII text.";
         QTest::newRow("no endpoint configured") << "" << 3000 << "No external address endpoint is configured";
         QTest::newRow("https, not plain HTTP") << "https://127.0.0.1:1/" << 3000 << "The external address endpoint is not a plain HTTP address";
         QTest::newRow("no host") << "http:///path" << 3000 << "The external address endpoint is not a plain HTTP address";
@@ -283,8 +283,8 @@ private Q_SLOTS:
         const QString expected[] = {timedOut, QStringLiteral("The response is too large to be an address."), timedOut, {}, {}};
         for (const HostileServer &hostile : HostileServer::all()) {
             const QByteArray path = "/address/" + QByteArray(hostile.name).replace(' ', '-');
-            m_server.route(path, hostile.serving(address));
-            QTest::newRow(qPrintable(QStringLiteral("server %1").arg(hostile.name))) << m_server.url(path).toString()
+            _server.route(path, hostile.serving(address));
+            QTest::newRow(qPrintable(QStringLiteral("server %1").arg(hostile.name))) << _server.url(path).toString()
                                                                                      << (expected[hostile.refusal] == timedOut ? 80 : 3000) << expected[hostile.refusal];
         }
     }
