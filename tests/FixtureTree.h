@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <clocale>
 #include <initializer_list>
 
 // Fixture trees copied from real machines live under KOVAR_FIXTURES, shared by every
@@ -56,21 +57,45 @@ inline bool copy(const QString &from, const QString &to)
 
 // Rows of a tab-separated table file: the first field names the row, the others fill
 // the QString columns; "#" starts a comment line, "\t" and "\n" stand for tab and line break.
-inline void addRows(const char *table, std::initializer_list<const char *> columns)
+// With locales, every row is added once per locale, with a first column "locale" and the
+// locale's name after the row's; the test sets it with useLocale().
+inline void addRows(const char *table, std::initializer_list<const char *> columns,
+                    std::initializer_list<const char *> locales = {})
 {
+    if (locales.size() > 0)
+        QTest::addColumn<QString>("locale");
     for (const char *column : columns)
         QTest::addColumn<QString>(column);
     QFile file(tablePath(table));
     QVERIFY2(file.open(QIODevice::ReadOnly), table);
-    for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
-        const QStringList fields = line.split(u'\t');
-        if (line.startsWith(u'#'))
-            continue;
-        QVERIFY2(fields.size() == qsizetype(columns.size()) + 1, qPrintable(line));
-        QTestData &row = QTest::newRow(qPrintable(fields.first()));
-        for (qsizetype i = 1; i < fields.size(); ++i)
-            row << QString(fields.at(i)).replace(QLatin1String("\\t"), QLatin1String("\t")).replace(QLatin1String("\\n"), QLatin1String("\n"));
+    const QString text = QString::fromUtf8(file.readAll());
+    QList<const char *> inLocales(locales.begin(), locales.end());
+    if (inLocales.isEmpty())
+        inLocales.append(nullptr);
+    for (const char *locale : inLocales) {
+        for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts)) {
+            const QStringList fields = line.split(u'\t');
+            if (line.startsWith(u'#'))
+                continue;
+            QVERIFY2(fields.size() == qsizetype(columns.size()) + 1, qPrintable(line));
+            const QString name = locale ? QStringLiteral("%1 [%2]").arg(fields.first(), QLatin1String(locale)) : fields.first();
+            QTestData &row = QTest::newRow(qPrintable(name));
+            if (locale)
+                row << QString::fromLatin1(locale);
+            for (qsizetype i = 1; i < fields.size(); ++i)
+                row << QString(fields.at(i)).replace(QLatin1String("\\t"), QLatin1String("\t")).replace(QLatin1String("\\n"), QLatin1String("\n"));
+        }
     }
+}
+
+// The locales in which the figures must read the same: their formats are fixed and English,
+// whatever LC_NUMERIC says (a comma before the decimals, a narrow space between thousands).
+#define KOVAR_FIGURE_LOCALES {"C", "de_DE.UTF-8", "fr_FR.UTF-8"}
+
+// Sets the process's locale for one row (the C library's and the one Qt reads at start).
+inline bool useLocale(const QString &name)
+{
+    return std::setlocale(LC_ALL, name.toLatin1().constData()) != nullptr;
 }
 
 // The rows that expected names ("Key=Value|Key=Value"), as info shows them; keys are

@@ -38,9 +38,16 @@ private Q_SLOTS:
         QVERIFY(processes.tableData().isEmpty() && !system.tableData() && !network.tableData());
     }
 
-    void processFigures_data() { FixtureTree::addRows("processes-figures.tsv", {"count", "usage", "texts"}); }
+    void cleanup() { FixtureTree::useLocale(QStringLiteral("C.UTF-8")); }
+
+    void processFigures_data()
+    {
+        FixtureTree::addRows("processes-figures.tsv", {"count", "usage", "texts"}, KOVAR_FIGURE_LOCALES);
+    }
     void processFigures()
     {
+        QFETCH(QString, locale);
+        QVERIFY2(FixtureTree::useLocale(locale), qPrintable(locale + QStringLiteral(" is not installed")));
         QFETCH(QString, count);
         QFETCH(QString, usage);
         QFETCH(QString, texts);

@@ -41,9 +41,13 @@ private Q_SLOTS:
         }
     }
 
-    void summaryCpu_data() { FixtureTree::addRows("summary-cpu.tsv", {"ticks", "usage", "texts"}); }
+    void cleanup() { FixtureTree::useLocale(QStringLiteral("C.UTF-8")); }
+
+    void summaryCpu_data() { FixtureTree::addRows("summary-cpu.tsv", {"ticks", "usage", "texts"}, KOVAR_FIGURE_LOCALES); }
     void summaryCpu()
     {
+        QFETCH(QString, locale);
+        QVERIFY2(FixtureTree::useLocale(locale), qPrintable(locale + QStringLiteral(" is not installed")));
         QFETCH(QString, ticks);
         QFETCH(QString, usage);
         QFETCH(QString, texts);
@@ -70,9 +74,14 @@ private Q_SLOTS:
                  QStringLiteral(" 75.0%   96.00GB| 25.0%   32.00GB| 128.00GB"));
     }
 
-    void summarySizes_data() { FixtureTree::addRows("summary-sizes.tsv", {"bytes", "memory", "disk"}); }
+    void summarySizes_data()
+    {
+        FixtureTree::addRows("summary-sizes.tsv", {"bytes", "memory", "disk"}, KOVAR_FIGURE_LOCALES);
+    }
     void summarySizes()
     {
+        QFETCH(QString, locale);
+        QVERIFY2(FixtureTree::useLocale(locale), qPrintable(locale + QStringLiteral(" is not installed")));
         QFETCH(QString, bytes);
         const quint64 n = bytes.toULongLong();
         summary.setMemoryUsageData(MemoryUsageData{4096, 1, n, n, n, n, n, 100, 100, 100, 100, n, n});

@@ -11,9 +11,16 @@ class TestFormatting : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void formatters_data() { addRows("formatters.tsv", {"family", "value", "decimals", "space", "expected"}); }
+    void cleanup() { useLocale(QStringLiteral("C.UTF-8")); }
+
+    void formatters_data()
+    {
+        addRows("formatters.tsv", {"family", "value", "decimals", "space", "expected"}, KOVAR_FIGURE_LOCALES);
+    }
     void formatters()
     {
+        QFETCH(QString, locale);
+        QVERIFY2(useLocale(locale), qPrintable(locale + QStringLiteral(" is not installed")));
         QFETCH(QString, family);
         QFETCH(QString, value);
         QFETCH(QString, decimals);
@@ -22,9 +29,11 @@ private Q_SLOTS:
         QTEST(format(value.toDouble(), decimals.toInt(), space == u"1"), "expected");
     }
 
-    void text_data() { addRows("text.tsv", {"helper", "input", "unit", "expected"}); }
+    void text_data() { addRows("text.tsv", {"helper", "input", "unit", "expected"}, KOVAR_FIGURE_LOCALES); }
     void text()
     {
+        QFETCH(QString, locale);
+        QVERIFY2(useLocale(locale), qPrintable(locale + QStringLiteral(" is not installed")));
         QFETCH(QString, helper);
         QFETCH(QString, input);
         QFETCH(QString, unit);
