@@ -15,8 +15,11 @@
 #include <QHostAddress>
 #include <QScreen>
 
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 
 int main(int argc, char *argv[])
@@ -47,8 +50,16 @@ int main(int argc, char *argv[])
     if (options.snapshot) {
         // No display needed: the snapshot only reads the system's counters.
         QCoreApplication app(argc, argv);
-        const QByteArray json = StatSnapshot::toJson(StatSnapshot::capture(*StatCore::shared(), std::chrono::seconds(1)));
-        std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
+        const QByteArray json = StatSnapshot::toJson(
+            StatSnapshot::capture(*StatCore::shared(), Device::currentDevice(), std::chrono::seconds(1)));
+        // A script must learn that its snapshot did not arrive whole (a full disk, a reader
+        // that went away): a failed write is an error, not a signal that ends us silently.
+        std::signal(SIGPIPE, SIG_IGN);
+        if (std::fwrite(json.constData(), 1, size_t(json.size()), stdout) != size_t(json.size())
+            || std::fflush(stdout) != 0) {
+            std::fprintf(stderr, "kovar: cannot write the snapshot: %s\n", std::strerror(errno));
+            return 1;
+        }
         return 0;
     }
 

@@ -51,7 +51,9 @@ QJsonObject InfoDictionary::toJson() const
     for (const auto &entry : _sections) {
         QJsonArray rows;
         for (const InfoRow &row : entry.second)
-            rows.append(QJsonObject{{QStringLiteral("Key"), row.key}, {QStringLiteral("Value"), row.value}});
+            rows.append(QJsonObject{{QStringLiteral("Key"), row.key},
+                                    {QStringLiteral("Value"),
+                                     row.value.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(row.value)}});
         result.insert(entry.first, rows);
     }
     return result;

@@ -25,7 +25,8 @@ public:
     InfoSection section(const QString &name) const;   // empty when absent
     QStringList sectionNames() const;
 
-    // {"Section": [{"Key": ..., "Value": ...}, ...], ...}
+    // {"Section": [{"Key": ..., "Value": ...}, ...], ...}; an empty value, one that cannot
+    // be known, is null.
     QJsonObject toJson() const;
 
     bool operator==(const InfoDictionary &other) const = default;

@@ -12,5 +12,11 @@ QVariantMap ProcessRecord::toVariantMap() const
 
 QJsonObject ProcessRecord::toJson() const
 {
-    return {{pidKey, pid}, {processNameKey, processName}, {priorityKey, priority}, {startTimeKey, startTime}};
+    return {{pidKey, pid},
+            {processNameKey, processName},
+            {priorityKey, priority},
+            {startTimeKey, startTime},
+            {QStringLiteral("pid"), pid.toLongLong()},
+            {QStringLiteral("priority"), priority.toLongLong()},
+            {QStringLiteral("startedAt"), startedAt ? QJsonValue(*startedAt) : QJsonValue(QJsonValue::Null)}};
 }

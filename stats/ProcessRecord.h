@@ -4,13 +4,18 @@
 #include <QString>
 #include <QVariantMap>
 
-// One row of the process table. Every value is display text; the map and JSON
-// forms use the keys the screens and the snapshot look up.
+#include <optional>
+
+// One row of the process table. The four texts are what the screens show; the map and
+// JSON forms use the keys the screens and the snapshot look up. The JSON form also has the
+// figures as numbers, for scripts: "pid", "priority" and "startedAt" (seconds since 1970,
+// null where the start time cannot be known).
 struct ProcessRecord {
     QString pid;
     QString processName;
     QString priority;
     QString startTime;
+    std::optional<qint64> startedAt;
 
     static const QString pidKey;
     static const QString processNameKey;

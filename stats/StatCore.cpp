@@ -151,19 +151,24 @@ DiskUsageData StatCore::diskUsage() const
     return data;
 }
 
+std::optional<qint64> StatCore::startSeconds(quint64 startTicks, qint64 bootTime) const
+{
+    // A garbled boot time or start tick can be anything up to 2^63: past the end of the
+    // calendar the process has no start time.
+    qint64 seconds = 0;
+    if (__builtin_add_overflow(bootTime, qint64(startTicks / quint64(_clockTicks)), &seconds))
+        return std::nullopt;
+    return seconds;
+}
+
 const QString &StatCore::startTimeText(int pid, quint64 startTicks, qint64 bootTime)
 {
     StartTimeEntry &entry = _startTimes[pid];
     if (entry.text.isNull() || entry.startTicks != startTicks || entry.bootTime != bootTime) {
         entry.startTicks = startTicks;
         entry.bootTime = bootTime;
-        // A garbled boot time or start tick can be anything up to 2^63: past the end of
-        // the calendar the process has no start time to show.
-        qint64 seconds = 0;
-        if (__builtin_add_overflow(bootTime, qint64(startTicks / quint64(_clockTicks)), &seconds))
-            entry.text = QStringLiteral("");
-        else
-            entry.text = _startTimeFormatter.format(seconds);
+        const std::optional<qint64> seconds = startSeconds(startTicks, bootTime);
+        entry.text = seconds ? _startTimeFormatter.format(*seconds) : QStringLiteral("");
     }
     entry.seenInScan = _scan;
     return entry.text;
@@ -174,7 +179,8 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
     const std::optional<QList<ProcReader::ProcStat>> stats = _reader.processStats();
     if (!stats || stats->isEmpty())
         return std::nullopt;
-    const qint64 bootTime = _reader.bootTime().value_or(0);
+    const std::optional<qint64> boot = _reader.bootTime();
+    const qint64 bootTime = boot.value_or(0);
 
     ++_scan;
     QList<ProcessRecord> records;
@@ -187,6 +193,8 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
         record.processName = QString::fromUtf8(stat.comm);
         record.priority = QString::number(stat.priority);
         record.startTime = startTimeText(stat.pid, stat.startTicks, bootTime);
+        if (boot)
+            record.startedAt = startSeconds(stat.startTicks, bootTime);
         records.append(std::move(record));
     }
     // Forget processes that have gone, so the cache stays as large as the table.

@@ -90,6 +90,7 @@ private:
         QString text;
         quint32 seenInScan = 0;
     };
+    std::optional<qint64> startSeconds(quint64 startTicks, qint64 bootTime) const;
     const QString &startTimeText(int pid, quint64 startTicks, qint64 bootTime);
 
     ProcReader _reader;

@@ -1,12 +1,15 @@
 #include "StatSnapshot.h"
 
+#include "Device.h"
 #include "StatCore.h"
 
+#include <QDateTime>
+#include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QTimer>
 
 #include <cmath>
-#include <thread>
 
 namespace {
 
@@ -27,17 +30,27 @@ QJsonValue number(quint64 value)
 
 } // namespace
 
-QJsonObject StatSnapshot::capture(StatCore &core, std::chrono::milliseconds cpuInterval)
+QJsonObject StatSnapshot::capture(StatCore &core, Device *device, std::chrono::milliseconds cpuInterval)
 {
+    if (device)
+        device->setBatteryMonitoringEnabled(true);
     core.cpuUsage(); // discards the ticks since the previous sample
-    std::this_thread::sleep_for(cpuInterval);
+    if (cpuInterval.count() > 0) {
+        QEventLoop interval;
+        QTimer::singleShot(cpuInterval, &interval, &QEventLoop::quit);
+        interval.exec();
+    }
     QJsonObject snapshot;
+    snapshot.insert(QStringLiteral("timestamp"), QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
+    snapshot.insert(QStringLiteral("cpuInterval"), double(cpuInterval.count()) / 1000.0);
     snapshot.insert(QStringLiteral("cpuUsage"), cpuUsageJson(core.cpuUsage()));
     snapshot.insert(QStringLiteral("memoryUsage"), memoryUsageJson(core.memoryUsage()));
     snapshot.insert(QStringLiteral("diskUsage"), diskUsageJson(core.diskUsage()));
     snapshot.insert(QStringLiteral("runningProcesses"), runningProcessesJson(core.runningProcesses()));
     snapshot.insert(QStringLiteral("systemInfo"), core.systemInfo().toJson());
     snapshot.insert(QStringLiteral("networkInfo"), core.networkInfo().toJson());
+    snapshot.insert(QStringLiteral("battery"), device ? batteryJson(device->batteryLevel(), device->batteryState())
+                                                      : batteryJson(-1.0f, Device::BatteryStateUnknown));
     return snapshot;
 }
 
@@ -91,4 +104,15 @@ QJsonValue StatSnapshot::runningProcessesJson(const std::optional<QList<ProcessR
     for (const ProcessRecord &record : *processes)
         array.append(record.toJson());
     return array;
+}
+
+QJsonObject StatSnapshot::batteryJson(float level, int state)
+{
+    static const char *const states[] = {"unknown", "unplugged", "charging", "full"};
+    const bool known = level >= 0.0f && level <= 1.0f;
+    return {
+        // A float's own digits: 0.87f prints as 0.87, not 0.8700000047683716.
+        {QStringLiteral("level"), known ? QJsonValue(QString::number(level).toDouble()) : QJsonValue(QJsonValue::Null)},
+        {QStringLiteral("state"), QLatin1String(states[state >= 0 && state <= 3 ? state : 0])},
+    };
 }

@@ -23,7 +23,7 @@ inline QList<ProcessRecord> records(int count, const QString &name = QStringLite
 {
     QList<ProcessRecord> list;
     for (int i = 0; i < count; ++i)
-        list.append({QString::number(1000 + i), name + QString::number(i), QString::number(20 - i), QStringLiteral("7:0%1").arg(i)});
+        list.append({QString::number(1000 + i), name + QString::number(i), QString::number(20 - i), QStringLiteral("7:0%1").arg(i), {}});
     return list;
 }
 

@@ -82,7 +82,7 @@ private Q_SLOTS:
 
         // The kernel's largest pid is drawn whole: its last digit, not an ellipsis on the baseline, shows
         // above the row's middle, past the column's own 50 points.
-        processes.setProcData(QList<ProcessRecord>{{QStringLiteral("4194304"), {}, {}, {}}});
+        processes.setProcData(QList<ProcessRecord>{{QStringLiteral("4194304"), {}, {}, {}, {}}});
         const QImage shot = processes.grab().toImage();
         const QPoint pid = processes.tableView()->viewport()->mapTo(&processes, QPoint(5, 0));
         const QFontMetrics metrics(FontTable::font(QStringLiteral("Helvetica-Bold"), 14));
