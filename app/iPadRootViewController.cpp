@@ -53,7 +53,17 @@ void iPadRootViewController::viewDidLoad()
     _totalViewController->setDiskUsageData(_statCore->diskUsage());
     _totalViewController->processesViewController()->setProcData(_statCore->runningProcesses());
     _totalViewController->systemViewController()->setInfoData(_statCore->systemInfo());
-    ActivationWatch::onEveryActivation(this, [this] { reloadNetworkData(); });
+    ActivationWatch::onEveryActivation(this, [this] {
+        reloadNetworkData();
+        refreshDiskUsage();
+    });
+    _diskRefreshTimer = new QTimer(this);
+    _diskRefreshTimer->setInterval(DiskRefreshIntervalMs);
+    connect(_diskRefreshTimer, &QTimer::timeout, this, [this] {
+        if (isVisible() && !window()->isMinimized())
+            refreshDiskUsage();
+    });
+    _diskRefreshTimer->start();
 
     // The band fades as a whole, its text with it.
     _footerLabel = new LabelView(QRect(0, H - FooterHeight, W, FooterHeight), QStringLiteral("Norvik App"),
@@ -85,6 +95,11 @@ void iPadRootViewController::refreshSystemState()
     _totalViewController->setCpuUsageData(_statCore->cpuUsage());
     _totalViewController->setMemoryUsageData(_statCore->memoryUsage());
     _totalViewController->processesViewController()->setProcData(_statCore->runningProcesses());
+}
+
+void iPadRootViewController::refreshDiskUsage()
+{
+    _totalViewController->setDiskUsageData(_statCore->diskUsage());
 }
 
 void iPadRootViewController::reloadNetworkData()

@@ -21,6 +21,7 @@ class iPadRootViewController : public QWidget
 
 public:
     static constexpr int RefreshIntervalMs = 2000;
+    static constexpr int DiskRefreshIntervalMs = 30000;
     static constexpr int FooterHeight = 90;
 
     // Feeds its pages from statCore and shows device's battery; null stands for the
@@ -34,10 +35,14 @@ public:
     void refreshSystemState();
     // Reads the network record and shows it on the Network panel: on every activation.
     void reloadNetworkData();
+    // Reads the disk figures and shows them on the disk panel: at every activation, and
+    // every DiskRefreshIntervalMs while the window is shown.
+    void refreshDiskUsage();
     bool shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const;
 
     iPadTotalViewController *totalViewController() const { return _totalViewController; }
     QTimer *systemStateGetTimer() const { return _systemStateGetTimer; }
+    QTimer *diskRefreshTimer() const { return _diskRefreshTimer; }
     LabelView *titleLabel() const { return _titleLabel; }
     LabelView *footerLabel() const { return _footerLabel; }
 
@@ -45,6 +50,7 @@ private:
     StatCore *_statCore;
     Device *_device;
     iPadTotalViewController *_totalViewController = nullptr;
+    QTimer *_diskRefreshTimer = nullptr;
     QTimer *_systemStateGetTimer = nullptr;
     LabelView *_titleLabel = nullptr;
     LabelView *_footerLabel = nullptr;

@@ -79,7 +79,20 @@ void iPhoneRootViewController::viewDidLoad()
     _totalViewController->setDiskUsageData(_statCore->diskUsage());
     _processesViewController->setProcData(_statCore->runningProcesses());
     _systemViewController->setInfoData(_statCore->systemInfo());
-    ActivationWatch::onEveryActivation(this, [this] { reloadNetworkData(); });
+    ActivationWatch::onEveryActivation(this, [this] {
+        reloadNetworkData();
+        refreshDiskUsage();
+    });
+    _diskRefreshTimer = new QTimer(this);
+    _diskRefreshTimer->setInterval(DiskRefreshIntervalMs);
+    connect(_diskRefreshTimer, &QTimer::timeout, this, [this] {
+        const bool shown = _shownPage == 0 && isVisible() && !window()->isMinimized();
+        if (shown)
+            refreshDiskUsage();
+        else
+            _diskStale = true;
+    });
+    _diskRefreshTimer->start();
 
     // Prime the sampler so the first tick reports the load over one period, not since boot.
     _statCore->cpuUsage();
@@ -123,6 +136,20 @@ void iPhoneRootViewController::refreshSystemState()
     _processesViewController->setProcData(_statCore->runningProcesses());
 }
 
+void iPhoneRootViewController::refreshDiskUsage()
+{
+    _totalViewController->setDiskUsageData(_statCore->diskUsage());
+    _diskStale = false;
+}
+
+void iPhoneRootViewController::showingPage(int page)
+{
+    _pageControl->setCurrentPage(page);
+    _shownPage = page;
+    if (page == 0 && _diskStale)
+        refreshDiskUsage();
+}
+
 void iPhoneRootViewController::reloadNetworkData()
 {
     _networkViewController->setInfoData(_statCore->networkInfo());
@@ -134,7 +161,7 @@ void iPhoneRootViewController::buttonWasTouchUpInside(QAbstractButton *sender)
     if (!sender)
         return;
     const int page = sender->property("tag").toInt();
-    _pageControl->setCurrentPage(page);
+    showingPage(page);
     _mainScrollView->scrollToPage(page, true);
 }
 
@@ -142,7 +169,7 @@ void iPhoneRootViewController::scrollViewDidEndDecelerating(PagingScrollView *sc
 {
     if (scrollView != _mainScrollView || width() <= 0)
         return;
-    _pageControl->setCurrentPage(int(scrollView->contentOffset().x() / width()));
+    showingPage(int(scrollView->contentOffset().x() / width()));
 }
 
 void iPhoneRootViewController::pageControlClicked(OOPageControl *, int)

@@ -22,6 +22,9 @@ class iPhoneRootViewController : public QWidget, public OOPageControlDelegate {
     Q_OBJECT
 public:
     static constexpr int RefreshIntervalMs = 2000;
+    // The disk fills and empties slowly: its figure is read again this often while the
+    // Summary page is shown, and at every activation.
+    static constexpr int DiskRefreshIntervalMs = 30000;
     static constexpr int BannerHeight = 50;
     static constexpr int TitleBarHeight = 20;
 
@@ -36,6 +39,8 @@ public:
     void refreshSystemState();
     // Reads the network record and shows it on the Network page: on every activation.
     void reloadNetworkData();
+    // Reads the disk figures and shows them on the Summary page.
+    void refreshDiskUsage();
     void buttonWasTouchUpInside(QAbstractButton *sender);
     void scrollViewDidEndDecelerating(PagingScrollView *scrollView);
     void pageControlClicked(OOPageControl *pageControl, int pageNumber) override;
@@ -45,6 +50,7 @@ public:
     PagingScrollView *mainScrollView() const { return _mainScrollView; }
     OOPageControl *pageControl() const { return _pageControl; }
     QTimer *systemStateGetTimer() const { return _systemStateGetTimer; }
+    QTimer *diskRefreshTimer() const { return _diskRefreshTimer; }
     QList<QAbstractButton *> tabButtons() const { return _tabButtons; }
     iPhoneTotalViewController *totalViewController() const { return _totalViewController; }
     iPhoneProcessesViewController *processesViewController() const { return _processesViewController; }
@@ -55,10 +61,17 @@ protected:
     void wheelEvent(QWheelEvent *event) override;
 
 private:
+    // The page indicator follows the page shown; a disk figure that went stale meanwhile
+    // is read again when the Summary page comes back.
+    void showingPage(int page);
+
     StatCore *_statCore;
     Device *_device;
     PagingScrollView *_mainScrollView = nullptr;
     QTimer *_systemStateGetTimer = nullptr;
+    QTimer *_diskRefreshTimer = nullptr;
+    int _shownPage = 0;
+    bool _diskStale = false; // a refresh was due while another page was shown
     OOPageControl *_pageControl = nullptr;
     iPhoneTotalViewController *_totalViewController = nullptr;
     iPhoneProcessesViewController *_processesViewController = nullptr;

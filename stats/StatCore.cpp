@@ -20,6 +20,7 @@ StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize
 StatCore::StatCore(const QString &rootDir, const QString &homeDir, long pageSize,
                    SystemInfoReader::SystemCalls systemCalls, NetworkInfoReader::Seams networkSeams)
     : _reader(rootDir)
+    , _fileSystemQuery([](const char *path, struct statvfs *stats) { return ::statvfs(path, stats); })
     , _systemInfo(rootDir, std::move(systemCalls))
     , _networkInfo(rootDir, std::move(networkSeams))
     , _homeDir(homeDir)
@@ -143,7 +144,7 @@ DiskUsageData StatCore::diskUsage() const
     if (_homeDir.isEmpty())
         return data;
     struct statvfs fs;
-    if (::statvfs(QFile::encodeName(_homeDir).constData(), &fs) != 0)
+    if (!_fileSystemQuery || _fileSystemQuery(QFile::encodeName(_homeDir).constData(), &fs) != 0)
         return data;
     // f_bavail: what an ordinary user can still write, as a file manager shows it.
     data.totalSize = double(fs.f_frsize) * double(fs.f_blocks);

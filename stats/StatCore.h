@@ -15,7 +15,10 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+
+struct statvfs;
 
 // The one statistics object of the application: samples CPU, memory, disk and the
 // process table, and formats sizes and frequencies. Not thread-safe apart from
@@ -47,6 +50,10 @@ public:
     long clockTicksPerSecond() const { return _clockTicks; }
     MemoryUsageData memoryUsage() const;
     DiskUsageData diskUsage() const;
+    // What diskUsage() asks the file system with: statvfs(2) unless replaced (tests stand
+    // in a file system that fills up).
+    using FileSystemQuery = std::function<int(const char *path, struct statvfs *stats)>;
+    void setFileSystemQuery(FileSystemQuery query) { _fileSystemQuery = std::move(query); }
     // Every process in ascending pid order, oldest first; nullopt when the
     // process table cannot be read or holds no process.
     std::optional<QList<ProcessRecord>> runningProcesses();
@@ -94,6 +101,7 @@ private:
     const QString &startTimeText(int pid, quint64 startTicks, qint64 bootTime);
 
     ProcReader _reader;
+    FileSystemQuery _fileSystemQuery;
     SystemInfoReader _systemInfo;
     NetworkInfoReader _networkInfo;
     QString _homeDir;

@@ -15,6 +15,8 @@
 #include "iPadTotalViewController.h"
 
 #include <QtTest>
+
+#include <sys/statvfs.h>
 #include <QtWidgets>
 
 namespace {
@@ -36,6 +38,8 @@ class TestIPadRoot : public QObject {
     QTemporaryDir machine;
     StatCore core{machine.path(), machine.path(), 4096, SystemInfoReader::SystemCalls{}, NetworkInfoReader::Seams{}};
     Device device{FixtureTree::path(QStringLiteral("power_supply/laptop-discharging"))};
+    // Its home's file system: 100 GiB, with freeGiB of them free.
+    quint64 freeGiB = 60;
     iPadRootViewController *tablet = nullptr;
 
     // The tablet's parts by name, each to be found in its own parent.
@@ -61,6 +65,13 @@ private Q_SLOTS:
         QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats*.warning=false"));
         QVERIFY(FixtureTree::copy(FixtureTree::path(QStringLiteral("proc-x86-laptop")), machine.path()));
         QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1000, 1000, 1000));
+        core.setFileSystemQuery([this](const char *, struct statvfs *stats) {
+            *stats = {};
+            stats->f_frsize = 4096;
+            stats->f_blocks = 100ull << 18;
+            stats->f_bavail = freeGiB << 18;
+            return 0;
+        });
         tablet = new iPadRootViewController(&core, &device);
         tablet->resize(768, 1004);
         tablet->viewDidLoad();
@@ -78,6 +89,25 @@ private Q_SLOTS:
         QCOMPARE(summary->processesViewController()->totalText(), QStringLiteral("Total:  8"));
         QVERIFY(summary->systemViewController()->tableData().has_value());
         QCOMPARE(summary->cpuUsageText(), QStringLiteral("0.0%"));
+    }
+
+    // The disk panel follows the file system: at every activation and every 30 s.
+    void diskFollowsTheFileSystem()
+    {
+        iPadTotalViewController *summary = tablet->totalViewController();
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 60.0%   60.00GB")); // read when built
+        QTimer *timer = tablet->diskRefreshTimer();
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 30000);
+        freeGiB = 50;
+        Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive);
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 50.0%   50.00GB"));
+        freeGiB = 40;
+        QSignalSpy ticked(timer, &QTimer::timeout);
+        timer->start(1);
+        QVERIFY(ticked.wait(3000));
+        timer->start(iPadRootViewController::DiskRefreshIntervalMs);
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 40.0%   40.00GB"));
     }
 
     void tabletFrames_data() { FixtureTree::addRows("tablet-frames.tsv", {"part", "frame"}); }

@@ -14,6 +14,8 @@
 #include "iPhoneTotalViewController.h"
 
 #include <QtTest>
+
+#include <sys/statvfs.h>
 #include <QtWidgets>
 
 
@@ -27,6 +29,8 @@ class TestIPhoneRoot : public QObject {
     QTemporaryDir machine;
     StatCore core{machine.path(), machine.path(), 4096, SystemInfoReader::SystemCalls{}, NetworkInfoReader::Seams{}};
     Device device{FixtureTree::path(QStringLiteral("power_supply/laptop-discharging"))};
+    // Its home's file system: 100 GiB, with freeGiB of them free.
+    quint64 freeGiB = 60;
     iPhoneRootViewController *root = nullptr;
     PagingScrollView *pager = nullptr;
 
@@ -48,6 +52,13 @@ private Q_SLOTS:
         QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats*.warning=false"));
         QVERIFY(FixtureTree::copy(FixtureTree::path(QStringLiteral("proc-x86-laptop")), machine.path()));
         QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1000, 1000, 1000));
+        core.setFileSystemQuery([this](const char *, struct statvfs *stats) {
+            *stats = {};
+            stats->f_frsize = 4096;
+            stats->f_blocks = 100ull << 18;
+            stats->f_bavail = freeGiB << 18;
+            return 0;
+        });
         root = new iPhoneRootViewController(&core, &device);
         root->resize(320, 460);
         root->viewDidLoad();
@@ -133,6 +144,42 @@ private Q_SLOTS:
         QCOMPARE(root->totalViewController()->cpuUsageText(), QStringLiteral(" 40.0%"));
         QCOMPARE(root->processesViewController()->cpuUsageText(), QStringLiteral("CPU Usage: 40.0%"));
         QCOMPARE(root->processesViewController()->tableData().size(), 8);
+    }
+
+    // The disk's figures follow the file system while the Summary page is shown: at every
+    // activation and every 30 s, and when the page comes back after a refresh it missed.
+    void diskFollowsTheFileSystem()
+    {
+        iPhoneTotalViewController *summary = root->totalViewController();
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 60.0%   60.00GB")); // read when built
+        QTimer *timer = root->diskRefreshTimer();
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 30000);
+        const auto tick = [timer] {
+            QSignalSpy ticked(timer, &QTimer::timeout);
+            timer->start(1);
+            const bool fired = ticked.wait(3000);
+            timer->stop();
+            return fired;
+        };
+        pager->setContentOffset(QPointF(0, 0), false);
+        root->scrollViewDidEndDecelerating(pager);
+        freeGiB = 50;
+        Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive);
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 50.0%   50.00GB"));
+        freeGiB = 40;
+        QVERIFY(tick());
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 40.0%   40.00GB"));
+        // On another page the refresh waits for the Summary page to come back.
+        pager->setContentOffset(QPointF(640, 0), false);
+        root->scrollViewDidEndDecelerating(pager);
+        freeGiB = 30;
+        QVERIFY(tick());
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 40.0%   40.00GB"));
+        pager->setContentOffset(QPointF(0, 0), false);
+        root->scrollViewDidEndDecelerating(pager);
+        QCOMPARE(summary->diskFreeText(), QStringLiteral(" 30.0%   30.00GB"));
+        timer->start(iPhoneRootViewController::DiskRefreshIntervalMs);
     }
 
     // The network record is read at every activation of the application, and only then.
