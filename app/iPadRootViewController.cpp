@@ -14,6 +14,8 @@
 
 #include <QTimer>
 
+#include <cmath>
+
 namespace {
 constexpr int TitleHeight = 28;
 constexpr int SummaryTop = 20;
@@ -76,8 +78,10 @@ void iPadRootViewController::viewDidLoad()
     // The banner slot coincides with the footer band.
     ADControlForiPad::defaultsADForiPad()->addAds(this, float(H - FooterHeight));
 
-    // Prime the sampler so the first tick reports the load over one period, not since boot.
+    // Prime the sampler so the first tick reports the load over one period, not since boot;
+    // until then the CPU figures read as for an empty record, as on the phone.
     _statCore->cpuUsage();
+    _totalViewController->setCpuUsageData(CpuUsageData{0, 0, 0, std::nan("")});
 
     _systemStateGetTimer = new QTimer(this);
     _systemStateGetTimer->setInterval(RefreshIntervalMs);

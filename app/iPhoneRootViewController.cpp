@@ -95,7 +95,12 @@ void iPhoneRootViewController::viewDidLoad()
     _diskRefreshTimer->start();
 
     // Prime the sampler so the first tick reports the load over one period, not since boot.
+    // Until that period ends nothing is known of the CPU: the figures read as for an empty
+    // record, not as 0.0 % idle beside 0.0 % busy.
     _statCore->cpuUsage();
+    const CpuUsageData nothingYet{0, 0, 0, std::nan("")};
+    _totalViewController->setCpuUsageData(nothingYet);
+    _processesViewController->setCpuUsageData(nothingYet);
 
     _systemStateGetTimer = new QTimer(this);
     _systemStateGetTimer->setInterval(RefreshIntervalMs);

@@ -20,6 +20,7 @@
 #include <QtMath>
 
 #include <cmath>
+#include <limits>
 
 using namespace SummaryColors;
 
@@ -201,9 +202,14 @@ void SummaryPanels::setCpuUsageData(const CpuUsageData &cpu)
     _cpuHistogramView->addItemData(HistogramItem::initWithUser(qint32(cpu.user), qint32(cpu.system), qint32(cpu.idle)));
     // Summed as 32-bit integers, as the tick deltas are.
     const double sum = double(std::int32_t(cpu.user + cpu.idle + cpu.system));
-    _cpuUser->setText(Formatting::print("%5.1f%%", cpu.user / sum * 100));
-    _cpuSystem->setText(Formatting::print("%5.1f%%", cpu.system / sum * 100));
-    _cpuIdle->setText(Formatting::print("%5.1f%%", cpu.idle / sum * 100));
+    // No tick at all has no shares: "nan", as the handheld printed it; x86's own 0/0 is a
+    // NaN with its sign set, which printf writes "-nan".
+    const auto share = [sum](quint32 ticks) {
+        return sum != 0 ? ticks / sum * 100 : std::numeric_limits<double>::quiet_NaN();
+    };
+    _cpuUser->setText(Formatting::print("%5.1f%%", share(cpu.user)));
+    _cpuSystem->setText(Formatting::print("%5.1f%%", share(cpu.system)));
+    _cpuIdle->setText(Formatting::print("%5.1f%%", share(cpu.idle)));
     _cpuUsage->setText(Formatting::print("%5.1f%%", cpu.usage));
 }
 

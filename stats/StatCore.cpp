@@ -70,7 +70,8 @@ CpuUsageData StatCore::cpuUsage()
     // Niced work is already inside user (see ProcReader::CpuTicks).
     const quint32 busy = data.user + data.system;
     const quint32 total = busy + data.idle;
-    data.usage = double(busy) / double(total) * 100.0; // 0/0 is NaN on purpose: no tick elapsed
+    // No tick elapsed: no usage can be known (a NaN without the sign x86's 0/0 gives it).
+    data.usage = total != 0 ? double(busy) / double(total) * 100.0 : std::numeric_limits<double>::quiet_NaN();
     _prevCpuLoad = _cpuLoad;
     return data;
 }
