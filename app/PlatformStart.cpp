@@ -1,7 +1,9 @@
 #include "PlatformStart.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QList>
+#include <QProcessEnvironment>
 
 #include <cstdio>
 #include <cstdlib>
@@ -65,4 +67,15 @@ std::unique_ptr<QApplication> PlatformStart::open(int &argc, char **argv)
         }
     }
     return application;
+}
+
+QByteArray PlatformStart::sessionBusAddress(const QProcessEnvironment &environment)
+{
+    if (!environment.value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS")).isEmpty())
+        return {};
+    // The D-Bus library's own first choice when the variable is not set: systemd's user bus.
+    const QString runtime = environment.value(QStringLiteral("XDG_RUNTIME_DIR"));
+    if (!runtime.isEmpty() && QFileInfo(runtime + QStringLiteral("/bus")).exists())
+        return {};
+    return QByteArrayLiteral("disabled:");
 }

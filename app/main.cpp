@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QHostAddress>
+#include <QProcessEnvironment>
 #include <QScreen>
 
 #include <cerrno>
@@ -82,6 +83,9 @@ int main(int argc, char *argv[])
     const bool screenshot = !options.screenshotDir.isEmpty();
     if (screenshot)
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (const QByteArray none = PlatformStart::sessionBusAddress(QProcessEnvironment::systemEnvironment());
+        !none.isEmpty())
+        qputenv("DBUS_SESSION_BUS_ADDRESS", none);
     const std::unique_ptr<QApplication> application = PlatformStart::open(argc, argv);
     QApplication &app = *application;
     const QSize screen = app.primaryScreen() ? app.primaryScreen()->availableSize() : QSize();
