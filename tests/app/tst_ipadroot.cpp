@@ -1,8 +1,7 @@
 #include "ADControl.h"
 #include "ADControlForiPad.h"
-#include "Device.h"
 #include "FixtureTree.h"
-#include "StatCore.h"
+#include "RootMachine.h"
 #include "DotPageControl.h"
 #include "LabelView.h"
 #include "OOHistogramView.h"
@@ -15,8 +14,6 @@
 #include "iPadTotalViewController.h"
 
 #include <QtTest>
-
-#include <sys/statvfs.h>
 #include <QtWidgets>
 
 namespace {
@@ -33,13 +30,7 @@ QString text(const QRect &r)
 class TestIPadRoot : public QObject {
     Q_OBJECT
 
-    // A machine of its own: a copy of a laptop's proc tree whose CPU ticks the tests set,
-    // its battery, and network queries that all fail, quietly.
-    QTemporaryDir machine;
-    StatCore core{machine.path(), machine.path(), 4096, SystemInfoReader::SystemCalls{}, NetworkInfoReader::Seams{}};
-    Device device{FixtureTree::path(QStringLiteral("power_supply/laptop-discharging"))};
-    // Its home's file system: 100 GiB, with freeGiB of them free.
-    quint64 freeGiB = 60;
+    RootMachine machine;
     iPadRootViewController *tablet = nullptr;
 
     // The tablet's parts by name, each to be found in its own parent.
@@ -62,17 +53,8 @@ class TestIPadRoot : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats*.warning=false"));
-        QVERIFY(FixtureTree::copy(FixtureTree::path(QStringLiteral("proc-x86-laptop")), machine.path()));
-        QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1000, 1000, 1000));
-        core.setFileSystemQuery([this](const char *, struct statvfs *stats) {
-            *stats = {};
-            stats->f_frsize = 4096;
-            stats->f_blocks = 100ull << 18;
-            stats->f_bavail = freeGiB << 18;
-            return 0;
-        });
-        tablet = new iPadRootViewController(&core, &device);
+        QVERIFY(machine.prepare());
+        tablet = new iPadRootViewController(&machine.core, &machine.device);
         tablet->resize(768, 1004);
         tablet->viewDidLoad();
         tablet->show();
@@ -102,10 +84,10 @@ private Q_SLOTS:
         QTimer *timer = tablet->diskRefreshTimer();
         QVERIFY(timer->isActive());
         QCOMPARE(timer->interval(), 30000);
-        freeGiB = 50;
+        machine.freeGiB = 50;
         Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive);
         QCOMPARE(summary->diskFreeText(), QStringLiteral(" 50.0%   50.00GB"));
-        freeGiB = 40;
+        machine.freeGiB = 40;
         QSignalSpy ticked(timer, &QTimer::timeout);
         timer->start(1);
         QVERIFY(ticked.wait(3000));
@@ -158,7 +140,7 @@ private Q_SLOTS:
         connect(list, &QAbstractItemModel::rowsInserted, &tick, arrived);
         connect(list, &QAbstractItemModel::dataChanged, &tick, arrived);
         connect(timer, &QTimer::timeout, &tick, [timer] { timer->stop(); }); // one tick only
-        QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1030, 1010, 1060)); // 40 % busy over the tick
+        QVERIFY(machine.setCpuTicks(1030, 1010, 1060)); // 40 % busy over the tick
         timer->start(1);
         QTRY_VERIFY_WITH_TIMEOUT(!timer->isActive(), 3000);
         QCOMPARE(seen.join(u'|'), QStringLiteral("1 1"));

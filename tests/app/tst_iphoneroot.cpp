@@ -1,9 +1,8 @@
 #include "ADControl.h"
 #include "ADControlForiPad.h"
-#include "Device.h"
 #include "FixtureTree.h"
+#include "RootMachine.h"
 #include "InfoTableModel.h"
-#include "StatCore.h"
 #include "LabelView.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
@@ -14,8 +13,6 @@
 #include "iPhoneTotalViewController.h"
 
 #include <QtTest>
-
-#include <sys/statvfs.h>
 #include <QtWidgets>
 
 
@@ -24,13 +21,7 @@
 class TestIPhoneRoot : public QObject {
     Q_OBJECT
 
-    // A machine of its own: a copy of a laptop's proc tree whose CPU ticks the tests set,
-    // its battery, and network queries that all fail, quietly.
-    QTemporaryDir machine;
-    StatCore core{machine.path(), machine.path(), 4096, SystemInfoReader::SystemCalls{}, NetworkInfoReader::Seams{}};
-    Device device{FixtureTree::path(QStringLiteral("power_supply/laptop-discharging"))};
-    // Its home's file system: 100 GiB, with freeGiB of them free.
-    quint64 freeGiB = 60;
+    RootMachine machine;
     iPhoneRootViewController *root = nullptr;
     PagingScrollView *pager = nullptr;
 
@@ -49,17 +40,8 @@ class TestIPhoneRoot : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("kovar.stats*.warning=false"));
-        QVERIFY(FixtureTree::copy(FixtureTree::path(QStringLiteral("proc-x86-laptop")), machine.path()));
-        QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1000, 1000, 1000));
-        core.setFileSystemQuery([this](const char *, struct statvfs *stats) {
-            *stats = {};
-            stats->f_frsize = 4096;
-            stats->f_blocks = 100ull << 18;
-            stats->f_bavail = freeGiB << 18;
-            return 0;
-        });
-        root = new iPhoneRootViewController(&core, &device);
+        QVERIFY(machine.prepare());
+        root = new iPhoneRootViewController(&machine.core, &machine.device);
         root->resize(320, 460);
         root->viewDidLoad();
         root->show(); // scrolling needs a laid-out pager, as on screen
@@ -138,7 +120,7 @@ private Q_SLOTS:
         QCOMPARE(timer->interval(), 2000);
         root->processesViewController()->setProcData(QList<ProcessRecord>{});
         // One tick over 30 user, 10 system and 60 idle ticks.
-        QVERIFY(FixtureTree::writeCpuTicks(machine.path(), 1030, 1010, 1060));
+        QVERIFY(machine.setCpuTicks(1030, 1010, 1060));
         QSignalSpy ticked(timer, &QTimer::timeout);
         timer->setInterval(1);
         QVERIFY(ticked.wait(3000));
@@ -169,16 +151,16 @@ private Q_SLOTS:
         };
         pager->setContentOffset(QPointF(0, 0), false);
         root->scrollViewDidEndDecelerating(pager);
-        freeGiB = 50;
+        machine.freeGiB = 50;
         Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive);
         QCOMPARE(summary->diskFreeText(), QStringLiteral(" 50.0%   50.00GB"));
-        freeGiB = 40;
+        machine.freeGiB = 40;
         QVERIFY(tick());
         QCOMPARE(summary->diskFreeText(), QStringLiteral(" 40.0%   40.00GB"));
         // On another page the refresh waits for the Summary page to come back.
         pager->setContentOffset(QPointF(640, 0), false);
         root->scrollViewDidEndDecelerating(pager);
-        freeGiB = 30;
+        machine.freeGiB = 30;
         QVERIFY(tick());
         QCOMPARE(summary->diskFreeText(), QStringLiteral(" 40.0%   40.00GB"));
         pager->setContentOffset(QPointF(0, 0), false);

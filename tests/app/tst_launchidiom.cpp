@@ -2,6 +2,7 @@
 #include "LaunchIdiom.h"
 #include "LaunchOptions.h"
 
+#include <QProcessEnvironment>
 #include <QtTest>
 
 namespace {
@@ -11,13 +12,18 @@ QSize size(const QString &text) // "WxH"; "" for none
     return text.isEmpty() ? QSize() : QSize(text.section(u'x', 0, 0).toInt(), text.section(u'x', 1).toInt());
 }
 
-LaunchOptions::Idiom idiom(const QString &name)
+// The idiom asked for on the command line, "Automatic" when none is.
+LaunchOptions::Idiom requestedIdiom(const QString &name)
 {
-    return LaunchOptions::Idiom(QStringList{"Automatic", "Phone", "Tablet"}.indexOf(name));
+    QStringList arguments{QStringLiteral("kovar")};
+    if (name != u"Automatic")
+        arguments << QStringLiteral("--idiom") << name.toLower();
+    return LaunchOptions::parse(arguments, QProcessEnvironment()).idiom;
 }
 
 } // namespace
 
+// The layout chosen for a screen, and the window it opens.
 class TestLaunchIdiom : public QObject
 {
     Q_OBJECT
@@ -30,7 +36,7 @@ private Q_SLOTS:
         QFETCH(QString, screen);
         QFETCH(QString, kind);
         QFETCH(QString, window);
-        const LaunchIdiom::Kind chosen = LaunchIdiom::choose(idiom(requested), size(screen));
+        const LaunchIdiom::Kind chosen = LaunchIdiom::choose(requestedIdiom(requested), size(screen));
         QCOMPARE(chosen, kind == u"Tablet" ? LaunchIdiom::Kind::Tablet : LaunchIdiom::Kind::Phone);
         QCOMPARE(LaunchIdiom::windowSize(chosen, size(screen)), size(window));
     }
