@@ -1,6 +1,7 @@
 #include "ADBannerView.h"
 
-const QString ADBannerView::ADBannerContentSizeIdentifierPortrait = QStringLiteral("ADBannerContentSizeIdentifierPortrait");
+const QString ADBannerView::ADBannerContentSizeIdentifierPortrait = QStringLiteral(
+    "ADBannerContentSizeIdentifierPortrait");
 
 ADBannerView::ADBannerView(const QRect &frame, QWidget *parent)
     : QWidget(parent)

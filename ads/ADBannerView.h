@@ -9,8 +9,7 @@ class ADBannerViewDelegate;
 // What the banner controllers need of a platform's own ad banner. Linux has no ad
 // service, so no kind of this is registered by the application; a platform that has one
 // registers its subclass with BannerKinds under the name "ADBannerView".
-class ADBannerView : public QWidget
-{
+class ADBannerView : public QWidget {
     Q_OBJECT
 
 public:

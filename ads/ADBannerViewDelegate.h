@@ -5,8 +5,7 @@
 class ADBannerView;
 
 // Told when the platform's banner has an ad to show and when it has lost it.
-class ADBannerViewDelegate
-{
+class ADBannerViewDelegate {
 public:
     virtual ~ADBannerViewDelegate() = default;
 

@@ -6,8 +6,7 @@
 
 // The phone's banner slot: 320 x 50 at the foot of the root pager, which makes room
 // when told of a banner.
-class ADControl : public ADControlBase
-{
+class ADControl : public ADControlBase {
     Q_OBJECT
 
 public:

@@ -10,7 +10,6 @@
 #include <QThread>
 #include <QWidget>
 
-
 class ADBannerView;
 class GADBannerView;
 
@@ -18,14 +17,12 @@ class GADBannerView;
 // platform's banner, which wins whenever it has an ad, and the ad network's banner as
 // the fallback. The phone and tablet controllers differ only in their frames and in
 // whether they announce a banner.
-class ADControlBase : public QObject, public GADBannerViewDelegate, public ADBannerViewDelegate
-{
+class ADControlBase : public QObject, public GADBannerViewDelegate, public ADBannerViewDelegate {
     Q_OBJECT
 
 public:
     // Where each banner stands, for a slot whose top edge is at y.
-    struct Frames
-    {
+    struct Frames {
         QRect platformParked;
         QRect platformShown;
         QRect networkParked;
@@ -66,7 +63,7 @@ protected:
 
     // One instance per class, made on first use (safely from any thread), handed to the
     // application's thread, where the banners call it back, and kept until the process ends.
-    template <class T>
+    template<class T>
     static T *sharedInstance()
     {
         static T *const instance = [] {

@@ -5,8 +5,7 @@
 // The tablet's banner slot: a 768 x 66 platform banner or a 728 x 90 network banner,
 // 90 points above the foot. The tablet screen does not resize for it, so nothing is
 // announced.
-class ADControlForiPad : public ADControlBase
-{
+class ADControlForiPad : public ADControlBase {
     Q_OBJECT
 
 public:

@@ -9,8 +9,7 @@ class QWidget;
 
 // The banner kinds this application knows, by name. The controllers look the platform's
 // banner up here rather than linking it, so a platform without one simply has no entry.
-class BannerKinds
-{
+class BannerKinds {
 public:
     using Factory = std::function<QWidget *(const QRect &frame)>;
 

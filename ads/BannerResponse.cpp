@@ -26,8 +26,8 @@ bool fail(GADRequestError *error, GADRequestError::Code code, const QString &des
 
 namespace BannerResponse {
 
-std::optional<Description> parseDescription(const QByteArray &json, int minRefresh, int maxRefresh,
-                                            int defaultRefresh, GADRequestError *error)
+std::optional<Description> parseDescription(const QByteArray &json, int minRefresh, int maxRefresh, int defaultRefresh,
+                                            GADRequestError *error)
 {
     QJsonParseError parseError;
     const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);

@@ -22,8 +22,8 @@ struct Description {
 // The banner description: {"image": url, "click": url, "refresh": seconds}, both
 // addresses http(s), the refresh bounded to [minRefresh, maxRefresh] (defaultRefresh
 // when absent). nullopt with *error filled in when it is not that.
-std::optional<Description> parseDescription(const QByteArray &json, int minRefresh, int maxRefresh,
-                                            int defaultRefresh, GADRequestError *error);
+std::optional<Description> parseDescription(const QByteArray &json, int minRefresh, int maxRefresh, int defaultRefresh,
+                                            GADRequestError *error);
 
 // The banner image, PNG, JPEG or GIF of at most maxSide pixels a side, decoded and
 // scaled down to fit within keepAtMost when larger (a banner is never shown above its

@@ -10,8 +10,7 @@ class QWidget;
 // Moves a banner to a new frame the way the platform animates a view by default:
 // 0.2 s, ease in and out. A slide started while another runs on the same banner takes
 // over from wherever the banner is.
-class BannerSlide
-{
+class BannerSlide {
 public:
     static constexpr int DurationMs = 200;
 

@@ -55,9 +55,8 @@ BoundedFetch::BoundedFetch(QNetworkAccessManager *manager, const QUrl &url, qint
     // setTransferTimeout() only notices silence; a server that trickles a byte now and then
     // must still be cut off, so the deadline covers the whole exchange.
     _deadline.setSingleShot(true);
-    connect(&_deadline, &QTimer::timeout, this, [this] {
-        fail(GADRequestError::Timeout, QStringLiteral("The request timed out."));
-    });
+    connect(&_deadline, &QTimer::timeout, this,
+            [this] { fail(GADRequestError::Timeout, QStringLiteral("The request timed out.")); });
     _deadline.start(timeoutMs);
 }
 

@@ -14,8 +14,7 @@ class QNetworkReply;
 // One GET from an untrusted server, with a hard deadline for the whole exchange, a cap on
 // the body that holds while it streams in, and redirects only to http(s), a few at most.
 // Emits finished() exactly once unless cancelled; never from inside the constructor.
-class BoundedFetch : public QObject
-{
+class BoundedFetch : public QObject {
     Q_OBJECT
 
 public:

@@ -43,8 +43,7 @@ GADRequestError makeError(GADRequestError::Code code, const QString &description
 
 } // namespace
 
-class GADBannerView::Private
-{
+class GADBannerView::Private {
 public:
     explicit Private(GADBannerView *q)
         : q(q)
@@ -77,10 +76,10 @@ public:
     int pendingRefreshSeconds = DefaultRefreshSeconds;
 
     QTimer refreshTimer;
-    bool loading = false;    // loadRequest() was called and the schedule runs
-    bool active = true;      // the application is active
+    bool loading = false; // loadRequest() was called and the schedule runs
+    bool active = true;   // the application is active
     bool dueWhilePaused = false;
-    quint64 generation = 0;  // bumped by loadRequest(): callbacks of an older load are dropped
+    quint64 generation = 0; // bumped by loadRequest(): callbacks of an older load are dropped
 
     QImage image;
     QUrl clickUrl;
@@ -340,8 +339,9 @@ void GADBannerView::loadRequest(const GADRequest &request)
     if (!d->isConfigured()) {
         // Parked for good: no schedule, no retries, not a byte sent.
         d->loading = false;
-        d->deliver(false, makeError(GADRequestError::NotConfigured,
-                                    QStringLiteral("No ad server or no valid ad unit is configured")));
+        d->deliver(false,
+                   makeError(GADRequestError::NotConfigured,
+                             QStringLiteral("No ad server or no valid ad unit is configured")));
         return;
     }
     d->loading = true;
@@ -380,7 +380,8 @@ void GADBannerView::paintEvent(QPaintEvent *event)
 
 void GADBannerView::mousePressEvent(QMouseEvent *event)
 {
-    d->pressed = event->button() == Qt::LeftButton && !d->image.isNull() && rect().contains(event->position().toPoint());
+    d->pressed = event->button() == Qt::LeftButton && !d->image.isNull()
+        && rect().contains(event->position().toPoint());
     event->accept();
 }
 

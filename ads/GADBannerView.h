@@ -17,8 +17,7 @@ class GADBannerViewDelegate;
 // The server speaks one request:
 //   GET <server>/v1/banner?unit=<ad unit>&w=<width>&h=<height>
 //   -> {"image": "<http(s) url>", "click": "<http(s) url>", "refresh": <seconds>}
-class GADBannerView : public QWidget
-{
+class GADBannerView : public QWidget {
     Q_OBJECT
 
 public:
@@ -30,8 +29,7 @@ public:
     static constexpr int RetrySeconds = 60;
 
     // How long things take; tests shorten them instead of sleeping for minutes.
-    struct Timing
-    {
+    struct Timing {
         int requestTimeoutMs = 10000; // a whole request, however slowly the bytes come
         int msPerSecond = 1000;       // what one second of the refresh schedule lasts
     };

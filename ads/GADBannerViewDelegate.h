@@ -5,8 +5,7 @@
 class GADBannerView;
 
 // Told of every banner that arrives and every request that fails, on the main thread.
-class GADBannerViewDelegate
-{
+class GADBannerViewDelegate {
 public:
     virtual ~GADBannerViewDelegate() = default;
 

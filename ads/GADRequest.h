@@ -2,8 +2,7 @@
 
 // A banner request with no targeting and no test devices: the only kind this
 // application makes.
-class GADRequest
-{
+class GADRequest {
 public:
     static GADRequest request() { return GADRequest(); }
 };

@@ -4,8 +4,7 @@
 
 // Why a banner request failed. The banner controllers do not look inside; the codes are
 // for the log and for the client's own tests.
-struct GADRequestError
-{
+struct GADRequestError {
     enum Code {
         NotConfigured,   // no ad server or no valid ad unit in this build: nothing was sent
         NetworkError,    // connection refused, closed early, redirect loop, ...

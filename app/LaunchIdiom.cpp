@@ -39,5 +39,5 @@ bool LaunchIdiom::isHandheld(QSize availableScreen)
 {
     // A screen too short for the status bar and some content is no handheld's.
     return availableScreen.height() > availableScreen.width() && availableScreen.width() > 0
-           && availableScreen.height() > 2 * statusBarHeight;
+        && availableScreen.height() > 2 * statusBarHeight;
 }

@@ -36,8 +36,8 @@ struct Parser {
         parser.setApplicationDescription(
             QStringLiteral("KOVAR shows what this device is doing: CPU, memory, disk, battery, "
                            "processes, system and network information."));
-        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption,
-                           metricsOption});
+        parser.addOptions(
+            {helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption, metricsOption});
     }
 };
 
@@ -104,7 +104,8 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments, const QProcessE
             options.adServer = url;
         else if (options.error.isEmpty())
             options.error = QStringLiteral("%1 \"%2\" is not an http or https address with a host")
-                                .arg(adServerOption ? QStringLiteral("--ad-server") : QStringLiteral("KOVAR_AD_SERVER"), text);
+                                .arg(adServerOption ? QStringLiteral("--ad-server") : QStringLiteral("KOVAR_AD_SERVER"),
+                                     text);
     }
 
     if (p.parser.isSet(p.metricsOption)) {
@@ -112,7 +113,8 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments, const QProcessE
         options.serveMetrics = parseListenAddress(text, options.metricsAddress, options.metricsPort);
         if (!options.serveMetrics && options.error.isEmpty())
             options.error = QStringLiteral("--serve-metrics \"%1\" is not [ADDRESS:]PORT, such as 9877 or "
-                                           "192.0.2.7:9877").arg(text);
+                                           "192.0.2.7:9877")
+                                .arg(text);
     }
 
     // The snapshot shows no screen, nor does the metrics endpoint: a layout, screenshots or banners asked

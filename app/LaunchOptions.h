@@ -18,14 +18,14 @@ public:
     bool help = false;
     bool version = false;
     bool snapshot = false;
-    QString screenshotDir;        // empty: no screenshot run
+    QString screenshotDir; // empty: no screenshot run
     Idiom idiom = Idiom::Automatic;
-    QUrl adServer;                // empty: the build's ad server
+    QUrl adServer; // empty: the build's ad server
     // --serve-metrics [ADDRESS:]PORT: no window, an HTTP endpoint for Prometheus instead.
     bool serveMetrics = false;
-    QString metricsAddress;       // 127.0.0.1 unless given; an IPv6 address without brackets
-    quint16 metricsPort = 0;      // 0: any free port (kovar prints the one it took)
-    QString error;                // non-empty when the arguments made no sense
+    QString metricsAddress;  // 127.0.0.1 unless given; an IPv6 address without brackets
+    quint16 metricsPort = 0; // 0: any free port (kovar prints the one it took)
+    QString error;           // non-empty when the arguments made no sense
 
     static QString helpText();
 };

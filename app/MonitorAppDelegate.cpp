@@ -51,7 +51,7 @@ MonitorAppDelegate::MonitorAppDelegate(QSize windowSize, Device *device, QObject
     _rootView = new QWidget(_window.get());
     _rootView->setObjectName(QStringLiteral("rootView"));
     _rootView->setGeometry(0, LaunchIdiom::statusBarHeight, windowSize.width(),
-                            windowSize.height() - LaunchIdiom::statusBarHeight);
+                           windowSize.height() - LaunchIdiom::statusBarHeight);
 
     _window->installEventFilter(this);
 }
@@ -88,11 +88,9 @@ bool MonitorAppDelegate::application(QGuiApplication *application, const LaunchO
             _application->removeNativeEventFilter(this);
         _application = application;
         application->installNativeEventFilter(this);
-        connect(application, &QGuiApplication::applicationStateChanged,
-                this, &MonitorAppDelegate::applicationStateDidChange);
-        connect(application, &QCoreApplication::aboutToQuit, this, [this] {
-            applicationWillTerminate(_application);
-        });
+        connect(application, &QGuiApplication::applicationStateChanged, this,
+                &MonitorAppDelegate::applicationStateDidChange);
+        connect(application, &QCoreApplication::aboutToQuit, this, [this] { applicationWillTerminate(_application); });
     }
     // The status bar is the black band built with the window; the Summary page's battery
     // panel needs monitoring on before it reads the battery.

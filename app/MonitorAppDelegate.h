@@ -16,8 +16,7 @@ class QWidget;
 // application is active and off while it is hidden or minimised. The idiom's subclass
 // installs the root screen. Ctrl+Q closes the window, and so does the window system
 // destroying it; the application ends when its window closes.
-class MonitorAppDelegate : public QObject, public QAbstractNativeEventFilter
-{
+class MonitorAppDelegate : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
 public:
@@ -28,7 +27,7 @@ public:
 
     QWidget *window() const;
     QWidget *statusBar() const;
-    QWidget *rootView() const;          // the area under the status bar
+    QWidget *rootView() const; // the area under the status bar
 
     // Launch: the ad server asked for on the command line, battery monitoring on, window
     // shown. Returns true.

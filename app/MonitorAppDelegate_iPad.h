@@ -5,8 +5,7 @@
 class iPadRootViewController;
 
 // The tablet idiom's delegate: installs iPadRootViewController under the status bar.
-class MonitorAppDelegate_iPad : public MonitorAppDelegate
-{
+class MonitorAppDelegate_iPad : public MonitorAppDelegate {
     Q_OBJECT
 
 public:

@@ -13,7 +13,7 @@ iPhoneRootViewController *MonitorAppDelegate_iPhone::rootViewController() const
 }
 
 bool MonitorAppDelegate_iPhone::application(QGuiApplication *application,
-                                          const LaunchOptions &didFinishLaunchingWithOptions)
+                                            const LaunchOptions &didFinishLaunchingWithOptions)
 {
     MonitorAppDelegate::application(application, didFinishLaunchingWithOptions);
     // The window is already visible when the root screen goes in, so the root screen

@@ -5,8 +5,7 @@
 class iPhoneRootViewController;
 
 // The phone idiom's delegate: installs iPhoneRootViewController under the status bar.
-class MonitorAppDelegate_iPhone : public MonitorAppDelegate
-{
+class MonitorAppDelegate_iPhone : public MonitorAppDelegate {
     Q_OBJECT
 
 public:

@@ -60,10 +60,18 @@ std::unique_ptr<QApplication> PlatformStart::open(int &argc, char **argv)
     for (const HeldMessage &message : std::exchange(heldMessages(), {})) {
         const QMessageLogger logger(nullptr, 0, nullptr, message.category.constData());
         switch (message.type) {
-        case QtDebugMsg: logger.debug("%s", qUtf8Printable(message.text)); break;
-        case QtInfoMsg: logger.info("%s", qUtf8Printable(message.text)); break;
-        case QtWarningMsg: logger.warning("%s", qUtf8Printable(message.text)); break;
-        default: logger.critical("%s", qUtf8Printable(message.text)); break;
+        case QtDebugMsg:
+            logger.debug("%s", qUtf8Printable(message.text));
+            break;
+        case QtInfoMsg:
+            logger.info("%s", qUtf8Printable(message.text));
+            break;
+        case QtWarningMsg:
+            logger.warning("%s", qUtf8Printable(message.text));
+            break;
+        default:
+            logger.critical("%s", qUtf8Printable(message.text));
+            break;
         }
     }
     return application;

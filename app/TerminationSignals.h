@@ -8,8 +8,7 @@ class QSocketNotifier;
 // and exits 0 as when its window closes. The handler only writes the signal's number
 // to a socket that the event loop watches. A second signal, once the first is on its
 // way, ends the process at once: the dispositions are back to the default by then.
-class TerminationSignals : public QObject
-{
+class TerminationSignals : public QObject {
     Q_OBJECT
 
 public:

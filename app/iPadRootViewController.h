@@ -15,8 +15,7 @@ class iPadTotalViewController;
 // and network pager) and the dark footer band that carries the ad banner. Runs the same
 // two-second refresh as the phone. No frame moves once it is built: the summary panel
 // already leaves the footer free for the banner.
-class iPadRootViewController : public QWidget
-{
+class iPadRootViewController : public QWidget {
     Q_OBJECT
 
 public:

@@ -2,13 +2,13 @@
 
 #include "ADControl.h"
 #include "ActivationWatch.h"
+#include "Device.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
+#include "OOPageCellButton.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
-#include "Device.h"
-#include "OOPageCellButton.h"
 #include "StatCore.h"
 #include "iPhoneNetworkViewController.h"
 #include "iPhoneProcessesViewController.h"
@@ -49,8 +49,8 @@ void iPhoneRootViewController::viewDidLoad()
     _pageControl = new OOPageControl(QRect(50, 0, W - 50, 20), 4, this);
     _pageControl->setDelegate(this);
     _pageControl->setCurrentPage(0);
-    _pageControl->setTitles({QStringLiteral("Summary"), QStringLiteral("Processes"), QStringLiteral("System"),
-                             QStringLiteral("Network")});
+    _pageControl->setTitles(
+        {QStringLiteral("Summary"), QStringLiteral("Processes"), QStringLiteral("System"), QStringLiteral("Network")});
 
     _mainScrollView = new PagingScrollView(this);
     _mainScrollView->setGeometry(0, 0, W, H);
@@ -160,7 +160,6 @@ void iPhoneRootViewController::reloadNetworkData()
     _networkViewController->setInfoData(_statCore->networkInfo());
 }
 
-
 void iPhoneRootViewController::buttonWasTouchUpInside(QAbstractButton *sender)
 {
     if (!sender)
@@ -196,8 +195,9 @@ void iPhoneRootViewController::receiveAd(const QVariantMap &)
     _mainScrollView->setGeometry(_mainScrollView->x(), _mainScrollView->y(), _mainScrollView->width(), shortened);
     _mainScrollView->setContentSize(QSize(4 * _mainScrollView->width(), shortened));
     // The pages follow the pager's height, as views that stretch with their parent do.
-    for (QWidget *page : {static_cast<QWidget *>(_totalViewController), static_cast<QWidget *>(_processesViewController),
-                          static_cast<QWidget *>(_systemViewController), static_cast<QWidget *>(_networkViewController)})
+    for (QWidget *page :
+         {static_cast<QWidget *>(_totalViewController), static_cast<QWidget *>(_processesViewController),
+          static_cast<QWidget *>(_systemViewController), static_cast<QWidget *>(_networkViewController)})
         page->resize(page->width(), shortened);
     _totalViewController->setFrameForAd();
     _processesViewController->setFrameForAd();

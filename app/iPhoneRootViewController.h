@@ -30,7 +30,8 @@ public:
 
     // Feeds its pages from statCore and shows device's battery; null stands for the
     // process-wide StatCore::shared() and Device::currentDevice().
-    explicit iPhoneRootViewController(StatCore *statCore = nullptr, Device *device = nullptr, QWidget *parent = nullptr);
+    explicit iPhoneRootViewController(StatCore *statCore = nullptr, Device *device = nullptr,
+                                      QWidget *parent = nullptr);
     ~iPhoneRootViewController() override;
 
     // Builds the screen at the widget's current size; call once.

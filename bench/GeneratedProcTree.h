@@ -72,8 +72,9 @@ private:
     void advanceClock()
     {
         _ticks += 200; // two seconds at 100 Hz, a quarter of them busy
-        writeFile(_proc + "/stat", "cpu  " + QByteArray::number(_ticks / 8) + " 0 " + QByteArray::number(_ticks / 8)
-                                        + ' ' + QByteArray::number(_ticks * 3 / 4) + " 0 0 0 0 0 0\nbtime 1700000000\n");
+        writeFile(_proc + "/stat",
+                  "cpu  " + QByteArray::number(_ticks / 8) + " 0 " + QByteArray::number(_ticks / 8) + ' '
+                      + QByteArray::number(_ticks * 3 / 4) + " 0 0 0 0 0 0\nbtime 1700000000\n");
     }
 
     void spawn()

@@ -60,8 +60,7 @@ int main(int argc, char **argv)
     list.viewDidLoad();
     QImage screen(320, 460, QImage::Format_ARGB32_Premultiplied);
 
-    std::printf("%8s %10s %10s %10s %12s %10s\n", "tick", "RSS MiB", "heap MiB", "processes", "start times",
-                "ms/tick");
+    std::printf("%8s %10s %10s %10s %12s %10s\n", "tick", "RSS MiB", "heap MiB", "processes", "start times", "ms/tick");
     double heapAtFirstReport = 0.0;
     double rssAtFirstReport = 0.0;
     QElapsedTimer clock;
@@ -90,8 +89,7 @@ int main(int argc, char **argv)
                 rssAtFirstReport = rss;
             }
             std::printf("%8d %10.2f %10.2f %10lld %12lld %10.3f\n", tick, mebibytes(rss), mebibytes(heap),
-                        static_cast<long long>(tree.processCount()),
-                        static_cast<long long>(core.startTimeCacheSize()),
+                        static_cast<long long>(tree.processCount()), static_cast<long long>(core.startTimeCacheSize()),
                         double(tickNanoseconds) / 1e6 / double(tick % reportEvery ? tick % reportEvery : reportEvery));
             std::fflush(stdout);
             tickNanoseconds = 0;

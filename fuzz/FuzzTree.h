@@ -83,7 +83,8 @@ private:
 
     void clear()
     {
-        for (const QString &entry : QDir(_dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        for (const QString &entry :
+             QDir(_dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) {
             const QString path = _dir.filePath(entry);
             if (QFileInfo(path).isDir())
                 QDir(path).removeRecursively();

@@ -32,7 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     const QByteArray input(reinterpret_cast<const char *>(data), qsizetype(size));
     const qsizetype newline = input.indexOf('\n');
-    const MetricsExposition::Format format = MetricsExposition::negotiate(input.left(newline < 0 ? input.size() : newline));
+    const MetricsExposition::Format format = MetricsExposition::negotiate(
+        input.left(newline < 0 ? input.size() : newline));
     const QString value = QString::fromUtf8(newline < 0 ? QByteArray() : input.mid(newline + 1));
 
     MetricsExposition::Sample sample;

@@ -23,7 +23,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     };
     seams.linkLocalRoute = [] { return std::optional<RouteLookup::Route>({true, 3, "wwan0", {}}); };
     seams.hostName = [] { return std::optional<QString>(QStringLiteral("fuzz")); };
-    seams.resolveIPv4 = [](const QString &) { return NetworkInfoReader::Resolution{QString(), QStringLiteral("none")}; };
+    seams.resolveIPv4 = [](const QString &) {
+        return NetworkInfoReader::Resolution{QString(), QStringLiteral("none")};
+    };
     NetworkInfoReader reader(tree.root(), seams);
     const InfoDictionary info = reader.networkInfo();
     FUZZ_CHECK(info.sectionNames().size() == 3);

@@ -17,6 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const float level = device.batteryLevel();
     // A level is a fraction of a full battery, or -1 for "not known".
     FUZZ_CHECK(level == -1.0f || (level >= 0.0f && level <= 1.0f));
-    FUZZ_CHECK(device.batteryState() >= Device::BatteryStateUnknown && device.batteryState() <= Device::BatteryStateFull);
+    FUZZ_CHECK(device.batteryState() >= Device::BatteryStateUnknown
+               && device.batteryState() <= Device::BatteryStateFull);
     return 0;
 }

@@ -14,7 +14,8 @@ enum class Type { Counter, Gauge, Info };
 // its samples.
 class Writer {
 public:
-    explicit Writer(MetricsExposition::Format format) : _openMetrics(format == MetricsExposition::Format::OpenMetrics)
+    explicit Writer(MetricsExposition::Format format)
+        : _openMetrics(format == MetricsExposition::Format::OpenMetrics)
     {
         _out.reserve(4096);
     }
@@ -129,8 +130,8 @@ QList<std::pair<QByteArray, QString>> MetricsExposition::deviceInfo(const StatCo
 {
     // The System page's identification rows, each as a label.
     static constexpr std::pair<const char *, const char *> rows[] = {
-        {"Device", "device"}, {"Model", "model"}, {"Name", "name"}, {"UDID", "udid"},
-        {"OS", "os"}, {"OS Version", "os_version"}, {"Kernel", "kernel"},
+        {"Device", "device"}, {"Model", "model"},           {"Name", "name"},     {"UDID", "udid"},
+        {"OS", "os"},         {"OS Version", "os_version"}, {"Kernel", "kernel"},
     };
     const InfoDictionary info = core.systemInfo();
     QList<std::pair<QByteArray, QString>> labels;
@@ -155,8 +156,8 @@ QByteArray MetricsExposition::render(const Sample &sample, Format format)
         out.family("kovar_cpu_seconds_total", Type::Counter,
                    "CPU time spent in each mode since boot, summed over all CPUs; niced work counts as user.");
         const double perSecond = double(sample.clockTicksPerSecond > 0 ? sample.clockTicksPerSecond : 100);
-        const std::pair<const char *, quint64> modes[] = {{"user", ticks->user}, {"system", ticks->system},
-                                                          {"idle", ticks->idle}};
+        const std::pair<const char *, quint64> modes[] = {
+            {"user", ticks->user}, {"system", ticks->system}, {"idle", ticks->idle}};
         for (const auto &[mode, count] : modes)
             out.sample("kovar_cpu_seconds_total", label("mode", mode), double(count) / perSecond, "%.3f");
     }
@@ -165,8 +166,8 @@ QByteArray MetricsExposition::render(const Sample &sample, Format format)
     if (memory.totalPages > 0) {
         out.family("kovar_memory_bytes", Type::Gauge,
                    "Memory by class: wired (kernel and unpageable), active, inactive and free.");
-        const std::pair<const char *, quint64> classes[] = {{"wired", memory.wired}, {"active", memory.active},
-                                                            {"inactive", memory.inactive}, {"free", memory.free}};
+        const std::pair<const char *, quint64> classes[] = {
+            {"wired", memory.wired}, {"active", memory.active}, {"inactive", memory.inactive}, {"free", memory.free}};
         for (const auto &[name, bytes] : classes)
             out.sample("kovar_memory_bytes", label("class", name), bytes);
     }
@@ -237,6 +238,7 @@ MetricsExposition::Format MetricsExposition::negotiate(QByteArrayView accept)
 
 QByteArray MetricsExposition::contentType(Format format)
 {
-    return format == Format::OpenMetrics ? QByteArrayLiteral("application/openmetrics-text; version=1.0.0; charset=utf-8")
-                                         : QByteArrayLiteral("text/plain; version=0.0.4; charset=utf-8");
+    return format == Format::OpenMetrics
+        ? QByteArrayLiteral("application/openmetrics-text; version=1.0.0; charset=utf-8")
+        : QByteArrayLiteral("text/plain; version=0.0.4; charset=utf-8");
 }

@@ -9,8 +9,7 @@ namespace {
 
 // A socket that counts what has been written to it: a connection that has been
 // answered since the last look is making progress.
-class WatchedSocket : public QTcpSocket
-{
+class WatchedSocket : public QTcpSocket {
 public:
     using QTcpSocket::QTcpSocket;
 
@@ -38,7 +37,10 @@ struct MetricsListener::Connection {
     qint64 requestSince = 0; // ms on the clock since a request is awaited; -1 between requests
 };
 
-MetricsListener::MetricsListener(QObject *parent) : MetricsListener(Limits{}, parent) {}
+MetricsListener::MetricsListener(QObject *parent)
+    : MetricsListener(Limits{}, parent)
+{
+}
 
 MetricsListener::MetricsListener(Limits limits, QObject *parent)
     : QTcpServer(parent)

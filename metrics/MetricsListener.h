@@ -14,8 +14,7 @@ class QTimer;
 // request, and closes a connection whose request (the first one included, from the
 // moment it connects) has not come in whole within requestMs, and one that stays idle
 // after an answer for idleMs.
-class MetricsListener : public QTcpServer
-{
+class MetricsListener : public QTcpServer {
     Q_OBJECT
 
 public:

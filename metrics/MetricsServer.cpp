@@ -94,15 +94,16 @@ bool MetricsServer::handleRequest(const QHttpServerRequest &request, QTcpSocket 
     } else if (path == QLatin1String("/") || path.isEmpty()) {
         body = indexPage;
     } else {
-        responder.write(QByteArrayLiteral("Not found: the figures are at /metrics.\n"),
-                        "text/plain; charset=utf-8", Status::NotFound);
+        responder.write(QByteArrayLiteral("Not found: the figures are at /metrics.\n"), "text/plain; charset=utf-8",
+                        Status::NotFound);
         return true;
     }
 
     if (method == QHttpServerRequest::Method::Head) {
         // The headers of the GET, the body's length included, and no body.
         responder.writeStatusLine(Status::Ok);
-        responder.writeHeaders({{"Content-Type", type}, {"Cache-Control", "no-store"},
+        responder.writeHeaders({{"Content-Type", type},
+                                {"Cache-Control", "no-store"},
                                 {"Content-Length", QByteArray::number(body.size())}});
         responder.writeBody(QByteArray());
         return true;

@@ -17,8 +17,7 @@ class StatCore;
 // runs on the main thread; a body is sampled at most once per half second and
 // format, so a crowd of scrapers costs no more than one, and the device's names once a
 // minute.
-class MetricsServer : public QAbstractHttpServer
-{
+class MetricsServer : public QAbstractHttpServer {
     Q_OBJECT
 
 public:

@@ -5,8 +5,7 @@
 
 // The application's images ("bg.png", "ipad_bg2.png", ...), stored at twice
 // their size in logical pixels so that they stay sharp on 2x screens.
-class ResourceImages
-{
+class ResourceImages {
 public:
     static constexpr qreal PixelRatio = 2.0;
 

@@ -38,8 +38,8 @@ InfoCellDelegate::Geometry phoneCell(qreal leftOfCentre, qreal widthPastHalf, co
 const InfoCellDelegate::Geometry InfoCellDelegate::PhoneSystemCell = phoneCell(110, 70);
 // Network: narrower (70 to 280), leaving room for the lamp left of a short value.
 const InfoCellDelegate::Geometry InfoCellDelegate::PhoneNetworkCell = phoneCell(90, 50, QRectF(234, 12.5, 15, 15));
-const InfoCellDelegate::Geometry InfoCellDelegate::TabletSystemCell = {
-    344, QRectF(10, 0, 162, 40), QRectF(72, 0, 252, 40), QRectF()};
+const InfoCellDelegate::Geometry InfoCellDelegate::TabletSystemCell = {344, QRectF(10, 0, 162, 40),
+                                                                       QRectF(72, 0, 252, 40), QRectF()};
 const InfoCellDelegate::Geometry InfoCellDelegate::TabletNetworkCell = {
     344, QRectF(10, 0, 162, 40), QRectF(92, 0, 232, 40), QRectF(274, 12.5, 15, 15)};
 
@@ -104,8 +104,8 @@ void InfoCellDelegate::paintDataRow(QPainter *painter, const QRect &row, const Q
     painter->setPen(Qt::white);
     const QRectF captionFrame = _geometry.caption.translated(origin);
     painter->drawText(captionFrame, int(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine,
-                      painter->fontMetrics().elidedText(index.data(InfoTableModel::KeyRole).toString(),
-                                                        Qt::ElideRight, int(captionFrame.width())));
+                      painter->fontMetrics().elidedText(index.data(InfoTableModel::KeyRole).toString(), Qt::ElideRight,
+                                                        int(captionFrame.width())));
 
     const QString value = index.data(InfoTableModel::ValueRole).toString();
     paintValue(painter, _geometry.value.translated(origin), value);

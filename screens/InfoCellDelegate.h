@@ -21,10 +21,10 @@ public:
 
     // Where a data row's parts stand, in the row's coordinates.
     struct Geometry {
-        qreal stripeWidth;   // the dark stripe of odd rows: this wide whatever the table's width
+        qreal stripeWidth; // the dark stripe of odd rows: this wide whatever the table's width
         QRectF caption;
-        QRectF value;        // may run under the caption: a long value wraps right-aligned
-        QRectF lamp;         // empty: no YES/NO lamp
+        QRectF value; // may run under the caption: a long value wraps right-aligned
+        QRectF lamp;  // empty: no YES/NO lamp
     };
     // The phone's cells are laid out from the 320-point width a fresh table cell has,
     // whatever the table's own width.

@@ -19,10 +19,10 @@ public:
     enum Role {
         RowKindRole = Qt::UserRole + 1,
         SectionRole,
-        RowInSectionRole,   // data rows: index within the section, from 0
+        RowInSectionRole, // data rows: index within the section, from 0
         KeyRole,
         ValueRole,
-        TitleRole,          // header rows: the section's title ("" for none)
+        TitleRole, // header rows: the section's title ("" for none)
         HeightRole,
     };
 
@@ -31,8 +31,8 @@ public:
     static constexpr int FooterHeight = 15;
 
     struct Section {
-        QString key;     // name of the section in the information record
-        QString title;   // header text; empty: no header at all
+        QString key;   // name of the section in the information record
+        QString title; // header text; empty: no header at all
     };
 
     explicit InfoTableModel(QList<Section> sections, QObject *parent = nullptr);
@@ -64,6 +64,6 @@ private:
 
     QList<Section> _sections;
     std::optional<InfoDictionary> _tableData;
-    QList<InfoSection> _rows;   // per section, as shown
+    QList<InfoSection> _rows; // per section, as shown
     QList<FlatRow> _flat;
 };

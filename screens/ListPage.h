@@ -20,13 +20,13 @@ public:
 
     // Where the parts stand, relative to the page's current size.
     struct Insets {
-        int baseTop;          // the base view: (0, baseTop, W, H - baseTop - baseBottom)
+        int baseTop; // the base view: (0, baseTop, W, H - baseTop - baseBottom)
         int baseBottom;
-        QMargins background;  // the dark panel: the base view's rect less these
-        QRect titleFrame;     // in the base view; a width of 0 spans it less the title's x on each side
+        QMargins background; // the dark panel: the base view's rect less these
+        QRect titleFrame;    // in the base view; a width of 0 spans it less the title's x on each side
         int titleSize;
-        int tableSide;        // the table: (tableSide, top, base width - 2 x tableSide,
-        int tableBottom;      //            base height - top - tableBottom)
+        int tableSide;   // the table: (tableSide, top, base width - 2 x tableSide,
+        int tableBottom; //            base height - top - tableBottom)
     };
     // The phone's pages: under the 20-point title band, the panel 5 points in all round.
     static constexpr Insets PhoneInsets{20, 0, QMargins(5, 5, 5, 5), QRect(15, 10, 0, 20), 19, 15, 15};

@@ -10,8 +10,7 @@
 namespace {
 const QColor DarkGray = QColor::fromRgbF(1.0f / 3, 1.0f / 3, 1.0f / 3);
 
-void drawLabel(QPainter *painter, const QRect &frame, const QString &text, const QColor &color,
-               Qt::Alignment alignment)
+void drawLabel(QPainter *painter, const QRect &frame, const QString &text, const QColor &color, Qt::Alignment alignment)
 {
     const QString shown = painter->fontMetrics().elidedText(text, Qt::ElideRight, frame.width());
     painter->setPen(color);
@@ -19,10 +18,10 @@ void drawLabel(QPainter *painter, const QRect &frame, const QString &text, const
 }
 } // namespace
 
-const ProcessCellDelegate::Geometry ProcessCellDelegate::PhoneCell = {
-    0, QRect(5, 0, 50, 40), QRect(60, 0, 180, 20), QRect(60, 20, 180, 20), QRect(240, 0, 50, 40)};
-const ProcessCellDelegate::Geometry ProcessCellDelegate::TabletCell = {
-    344, QRect(5, 0, 55, 40), QRect(60, 0, 220, 20), QRect(60, 20, 220, 20), QRect(280, 0, 64, 40)};
+const ProcessCellDelegate::Geometry ProcessCellDelegate::PhoneCell = {0, QRect(5, 0, 50, 40), QRect(60, 0, 180, 20),
+                                                                      QRect(60, 20, 180, 20), QRect(240, 0, 50, 40)};
+const ProcessCellDelegate::Geometry ProcessCellDelegate::TabletCell = {344, QRect(5, 0, 55, 40), QRect(60, 0, 220, 20),
+                                                                       QRect(60, 20, 220, 20), QRect(280, 0, 64, 40)};
 
 ProcessCellDelegate::ProcessCellDelegate(const Geometry &geometry, QObject *parent)
     : QStyledItemDelegate(parent)
@@ -31,8 +30,7 @@ ProcessCellDelegate::ProcessCellDelegate(const Geometry &geometry, QObject *pare
 {
 }
 
-void ProcessCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
-                                const QModelIndex &index) const
+void ProcessCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     painter->save();
     const QRect row = option.rect;
@@ -52,8 +50,8 @@ void ProcessCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
     drawLabel(painter, pidFrame, pid, Qt::white, Qt::AlignLeft);
     drawLabel(painter, _geometry.name.translated(origin), index.data(ProcessTableModel::ProcessNameRole).toString(),
               Qt::white, Qt::AlignLeft);
-    drawLabel(painter, _geometry.startTime.translated(origin),
-              index.data(ProcessTableModel::StartTimeRole).toString(), DarkGray, Qt::AlignLeft);
+    drawLabel(painter, _geometry.startTime.translated(origin), index.data(ProcessTableModel::StartTimeRole).toString(),
+              DarkGray, Qt::AlignLeft);
     drawLabel(painter, _geometry.priority.translated(origin), index.data(ProcessTableModel::PriorityRole).toString(),
               Qt::white, Qt::AlignHCenter);
     painter->restore();

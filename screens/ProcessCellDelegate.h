@@ -15,7 +15,7 @@ public:
 
     // Where a row's labels stand, in the row's coordinates.
     struct Geometry {
-        int stripeWidth;     // 0: as wide as the row
+        int stripeWidth; // 0: as wide as the row
         QRect pid;
         QRect name;
         QRect startTime;

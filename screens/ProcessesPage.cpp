@@ -7,7 +7,6 @@
 
 #include <QListView>
 
-
 ProcessesPage::ProcessesPage(const Layout &layout, const ProcessCellDelegate::Geometry &cells, QWidget *parent)
     : ListPage(QStringLiteral("Processes"), layout.insets, 80, parent)
     , _layout(layout)

@@ -31,7 +31,7 @@ protected:
     struct Layout {
         Insets insets;
         QRect total;
-        std::array<QRect, 3> headers;    // " PID", "Process Name / Uptime", "Priority"
+        std::array<QRect, 3> headers; // " PID", "Process Name / Uptime", "Priority"
         Qt::Alignment priorityHeaderAlignment;
     };
 

@@ -9,12 +9,10 @@
 // Where the Summary panels put everything, and at which text sizes: one table per
 // idiom, so that both idioms build and update the same panels from one code path.
 // Frames of a panel's contents are in that panel's coordinates.
-struct SummaryLayout
-{
-    struct Panel
-    {
-        QRect frame;          // in the container's coordinates
-        QMargins background;  // the dark rounded panel: the frame's own rect less these
+struct SummaryLayout {
+    struct Panel {
+        QRect frame;         // in the container's coordinates
+        QMargins background; // the dark rounded panel: the frame's own rect less these
     };
 
     Panel cpuPanel;
@@ -23,7 +21,7 @@ struct SummaryLayout
     Panel batteryPanel;
     QRect titleFrame;
     int titleSize = 0;
-    int labelSize = 0;        // every label not given a size of its own
+    int labelSize = 0; // every label not given a size of its own
 
     // CPU: user, system, idle rows.
     QRect histogram;

@@ -140,8 +140,7 @@ void SummaryPanels::buildCpuPanel(QWidget *container, const SummaryLayout &l)
 
 void SummaryPanels::buildMemoryPanel(QWidget *container, const SummaryLayout &l)
 {
-    QWidget *panel =
-        addPanel(container, l, l.memoryPanel, QStringLiteral("Memory Usage"));
+    QWidget *panel = addPanel(container, l, l.memoryPanel, QStringLiteral("Memory Usage"));
     _memoryPieChartView = new OOPieChartView(l.pieChart, panel);
 
     const Rgb legend[] = {memoryWiredLegend, memoryActive, memoryInactive, memoryFree};
@@ -217,10 +216,8 @@ void SummaryPanels::setMemoryUsageData(const MemoryUsageData &memory)
 {
     if (!_memoryPieChartView)
         return;
-    _memoryPieChartView->addItemData0(pieItem(memory.wired, memoryWiredSegment),
-                                      pieItem(memory.active, memoryActive),
-                                      pieItem(memory.inactive, memoryInactive),
-                                      pieItem(memory.free, memoryFree));
+    _memoryPieChartView->addItemData0(pieItem(memory.wired, memoryWiredSegment), pieItem(memory.active, memoryActive),
+                                      pieItem(memory.inactive, memoryInactive), pieItem(memory.free, memoryFree));
     // Five-character size fields, as "%5.5s" would give, that never cut a figure.
     auto size = [](quint64 bytes) { return FittedBytes::text(double(bytes), 0, 5); };
     setWholeText(_memoryWired, Formatting::print("%5.1f%% ", memory.wiredPercent) + size(memory.wired));
@@ -289,8 +286,11 @@ void SummaryPanels::batteryChanged()
     _batteryStateColorRectView->setRectColor(stateColor.color());
 }
 
-#define KOVAR_TEXT_ACCESSOR(name, member) \
-    QString SummaryPanels::name() const { return member ? member->text() : QString(); }
+#define KOVAR_TEXT_ACCESSOR(name, member)                                                                              \
+    QString SummaryPanels::name() const                                                                                \
+    {                                                                                                                  \
+        return member ? member->text() : QString();                                                                    \
+    }
 KOVAR_TEXT_ACCESSOR(cpuUserText, _cpuUser)
 KOVAR_TEXT_ACCESSOR(cpuSystemText, _cpuSystem)
 KOVAR_TEXT_ACCESSOR(cpuIdleText, _cpuIdle)

@@ -4,7 +4,6 @@
 #include "Formatting.h"
 #include "LabelView.h"
 
-
 namespace {
 constexpr ListPage::Insets PhoneProcessesInsets = [] {
     ListPage::Insets insets = ListPage::PhoneInsets;

@@ -7,7 +7,7 @@ struct CarrierInfo {
     QString carrierName;
     QString mobileCountryCode;
     QString mobileNetworkCode;
-    QString isoCountryCode;   // lower case, as in "us"
+    QString isoCountryCode; // lower case, as in "us"
     bool allowsVOIP = false;
 
     bool operator==(const CarrierInfo &other) const = default;

@@ -65,10 +65,9 @@ Device::Device(const QDBusConnection &bus, const QString &sysfsRoot, QObject *pa
     if (!bus.isConnected())
         return;
     _bus = bus;
-    _serviceWatcher = new QDBusServiceWatcher(upowerService, bus,
-                                               QDBusServiceWatcher::WatchForRegistration
-                                                   | QDBusServiceWatcher::WatchForUnregistration,
-                                               this);
+    _serviceWatcher = new QDBusServiceWatcher(
+        upowerService, bus, QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration,
+        this);
     connect(_serviceWatcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
         if (_monitoring)
             useUPower();
@@ -201,9 +200,8 @@ void Device::stop()
 {
     _pollTimer->stop();
     if (_usingUPower) {
-        _bus->disconnect(upowerService, displayDevicePath, propertiesInterface,
-                          QStringLiteral("PropertiesChanged"), this,
-                          SLOT(upowerPropertiesChanged(QString, QVariantMap, QStringList)));
+        _bus->disconnect(upowerService, displayDevicePath, propertiesInterface, QStringLiteral("PropertiesChanged"),
+                         this, SLOT(upowerPropertiesChanged(QString, QVariantMap, QStringList)));
     }
     _usingUPower = false;
     ++_upowerGeneration;
@@ -214,9 +212,8 @@ void Device::useUPower()
 {
     stop();
     _usingUPower = true;
-    _bus->connect(upowerService, displayDevicePath, propertiesInterface,
-                   QStringLiteral("PropertiesChanged"), this,
-                   SLOT(upowerPropertiesChanged(QString, QVariantMap, QStringList)));
+    _bus->connect(upowerService, displayDevicePath, propertiesInterface, QStringLiteral("PropertiesChanged"), this,
+                  SLOT(upowerPropertiesChanged(QString, QVariantMap, QStringList)));
     // The figures read so far stay until UPower's first answer replaces them.
     fetchUPower();
 }
@@ -230,8 +227,8 @@ void Device::useSysfs()
 
 void Device::fetchUPower()
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(upowerService, displayDevicePath,
-                                                       propertiesInterface, QStringLiteral("GetAll"));
+    QDBusMessage call = QDBusMessage::createMethodCall(upowerService, displayDevicePath, propertiesInterface,
+                                                       QStringLiteral("GetAll"));
     call << upowerDeviceInterface;
     auto *watcher = new QDBusPendingCallWatcher(_bus->asyncCall(call), this);
     const quint64 generation = _upowerGeneration;
@@ -274,15 +271,14 @@ void Device::upowerPropertiesChanged(const QString &interfaceName, const QVarian
 void Device::applyUPower(const QVariantMap &properties)
 {
     const bool present = properties.value(QStringLiteral("IsPresent")).toBool()
-                         && properties.value(QStringLiteral("Type")).toUInt() == upowerKindBattery;
+        && properties.value(QStringLiteral("Type")).toUInt() == upowerKindBattery;
     if (!present) {
         report(-1.0f, BatteryStateUnknown);
         return;
     }
     bool ok = false;
     const double percent = properties.value(QStringLiteral("Percentage")).toDouble(&ok);
-    report(ok ? levelFromPercent(percent) : -1.0f,
-           stateFromUPower(properties.value(QStringLiteral("State")).toUInt()));
+    report(ok ? levelFromPercent(percent) : -1.0f, stateFromUPower(properties.value(QStringLiteral("State")).toUInt()));
 }
 
 void Device::readSysfs()
@@ -304,8 +300,8 @@ void Device::readSysfs()
             level = levelFromPercent(*capacity);
         } else {
             // Some drivers give only the charge or energy counters.
-            for (const auto &[now, full] : {std::pair{"energy_now", "energy_full"},
-                                            std::pair{"charge_now", "charge_full"}}) {
+            for (const auto &[now, full] :
+                 {std::pair{"energy_now", "energy_full"}, std::pair{"charge_now", "charge_full"}}) {
                 const auto nowValue = readNumber(supply, QLatin1String(now));
                 const auto fullValue = readNumber(supply, QLatin1String(full));
                 if (nowValue && fullValue && *fullValue > 0) {

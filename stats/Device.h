@@ -24,8 +24,7 @@ class QTimer;
 // change signals fire once for each change of what batteryLevel() and
 // batteryState() return, switching monitoring on or off included, and never when
 // a reading brings nothing new.
-class Device : public QObject
-{
+class Device : public QObject {
     Q_OBJECT
 
 public:
@@ -39,8 +38,7 @@ public:
 
     // Without a bus only the power-supply folder is read.
     explicit Device(const QString &sysfsRoot = QStringLiteral("/"), QObject *parent = nullptr);
-    Device(const QDBusConnection &bus, const QString &sysfsRoot = QStringLiteral("/"),
-           QObject *parent = nullptr);
+    Device(const QDBusConnection &bus, const QString &sysfsRoot = QStringLiteral("/"), QObject *parent = nullptr);
     ~Device() override;
 
     // The process-wide device: the system bus (when it can be reached) and the real
@@ -50,7 +48,7 @@ public:
     void setBatteryMonitoringEnabled(bool enabled);
     bool isBatteryMonitoringEnabled() const;
 
-    float batteryLevel() const;          // 0..1, or -1 when unknown or not monitored
+    float batteryLevel() const; // 0..1, or -1 when unknown or not monitored
     BatteryState batteryState() const;
 
     // Time between two readings of the power-supply folder (default 5 s).
@@ -93,7 +91,7 @@ private:
     QTimer *_pollTimer = nullptr;
     bool _monitoring = false;
     bool _usingUPower = false;
-    quint64 _upowerGeneration = 0;      // replies from an older subscription are dropped
+    quint64 _upowerGeneration = 0; // replies from an older subscription are dropped
     QVariantMap _upowerProperties;
     float _level = -1.0f;
     BatteryState _state = BatteryStateUnknown;

@@ -30,7 +30,9 @@ QString DeviceIdentity::uniqueIdentifier() const
     // systemd's sd_id128_get_machine_app_specific() derives it.
     static const QByteArray applicationId = QByteArray::fromHex("a280b5a790644db9879c23ddd259c62e");
     const QString text = SysfsText::firstLine(_root, QStringLiteral("etc/machine-id"));
-    const auto isHexDigit = [](QChar c) { return (c >= u'0' && c <= u'9') || (c.toLower() >= u'a' && c.toLower() <= u'f'); };
+    const auto isHexDigit = [](QChar c) {
+        return (c >= u'0' && c <= u'9') || (c.toLower() >= u'a' && c.toLower() <= u'f');
+    };
     if (text.size() != 32 || !std::all_of(text.begin(), text.end(), isHexDigit))
         return QStringLiteral("");
     QByteArray id = QMessageAuthenticationCode::hash(applicationId, QByteArray::fromHex(text.toLatin1()),

@@ -9,10 +9,10 @@ class DeviceIdentity {
 public:
     explicit DeviceIdentity(QString root = QStringLiteral("/"));
 
-    QString name() const;              // PRETTY_HOSTNAME, else the kernel host name
-    QString uniqueIdentifier() const;  // this application's id of the machine, never machine-id itself
-    QString systemName() const;        // NAME of os-release
-    QString systemVersion() const;     // VERSION_ID of os-release
+    QString name() const;             // PRETTY_HOSTNAME, else the kernel host name
+    QString uniqueIdentifier() const; // this application's id of the machine, never machine-id itself
+    QString systemName() const;       // NAME of os-release
+    QString systemVersion() const;    // VERSION_ID of os-release
 
 private:
     QString osReleaseValue(const QString &key) const;

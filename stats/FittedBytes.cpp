@@ -14,13 +14,12 @@ QString text(double bytes, int decmal, int width)
             const char *next;
             double divisor;
         };
-        static const Step ladder[] = {
-            {"Byte", "KB", 1024.0}, {"KB", "MB", 1048576.0}, {"MB", "GB", 1073741824.0}};
+        static const Step ladder[] = {{"Byte", "KB", 1024.0}, {"KB", "MB", 1048576.0}, {"MB", "GB", 1073741824.0}};
         for (const Step &step : ladder) {
             if (!figure.endsWith(QLatin1String(step.unit)))
                 continue;
-            const QString number
-                = Formatting::print("%.*f", decmal >= 1 && decmal <= 3 ? decmal : 0, bytes / step.divisor);
+            const QString number = Formatting::print("%.*f", decmal >= 1 && decmal <= 3 ? decmal : 0,
+                                                     bytes / step.divisor);
             const QString stepped = StringPrivate::stringByCommifyWithString(number, QString::fromLatin1(step.next));
             if (stepped.size() <= width)
                 figure = stepped;

@@ -8,8 +8,8 @@ void InfoDictionary::addSection(const QString &name, const InfoSection &rows)
     InfoSection cleaned;
     cleaned.reserve(rows.size());
     for (const InfoRow &row : rows)
-        cleaned.append({row.key.isNull() ? QStringLiteral("") : row.key,
-                        row.value.isNull() ? QStringLiteral("") : row.value});
+        cleaned.append(
+            {row.key.isNull() ? QStringLiteral("") : row.key, row.value.isNull() ? QStringLiteral("") : row.value});
     for (auto &entry : _sections) {
         if (entry.first == name) {
             entry.second = cleaned;
@@ -51,9 +51,9 @@ QJsonObject InfoDictionary::toJson() const
     for (const auto &entry : _sections) {
         QJsonArray rows;
         for (const InfoRow &row : entry.second)
-            rows.append(QJsonObject{{QStringLiteral("Key"), row.key},
-                                    {QStringLiteral("Value"),
-                                     row.value.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(row.value)}});
+            rows.append(QJsonObject{
+                {QStringLiteral("Key"), row.key},
+                {QStringLiteral("Value"), row.value.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(row.value)}});
         result.insert(entry.first, rows);
     }
     return result;

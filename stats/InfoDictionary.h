@@ -22,7 +22,7 @@ public:
     void addSection(const QString &name, const InfoSection &rows);
 
     bool contains(const QString &name) const;
-    InfoSection section(const QString &name) const;   // empty when absent
+    InfoSection section(const QString &name) const; // empty when absent
     QStringList sectionNames() const;
 
     // {"Section": [{"Key": ..., "Value": ...}, ...], ...}; an empty value, one that cannot

@@ -74,7 +74,7 @@ std::optional<CarrierInfo> ModemManagerCarrier::carrier() const
     if (payload.userType() != qMetaTypeId<QDBusArgument>())
         return std::nullopt;
 
-    QMap<QString, InterfaceProperties> objects;   // sorted by path: the first modem wins
+    QMap<QString, InterfaceProperties> objects; // sorted by path: the first modem wins
     const QDBusArgument argument = payload.value<QDBusArgument>();
     if (argument.currentSignature() != QLatin1String("a{oa{sa{sv}}}"))
         return std::nullopt;

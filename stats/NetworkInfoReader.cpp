@@ -22,7 +22,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-
 #ifndef KOVAR_EXTERNAL_IP_URL
 #define KOVAR_EXTERNAL_IP_URL ""
 #endif
@@ -32,7 +31,7 @@ Q_LOGGING_CATEGORY(lcNetworkInfo, "kovar.stats.network", QtInfoMsg)
 
 namespace {
 
-constexpr std::uint32_t kLinkLocalNetwork = 0xA9FE0000u;   // 169.254.0.0
+constexpr std::uint32_t kLinkLocalNetwork = 0xA9FE0000u; // 169.254.0.0
 
 std::optional<QList<NetworkInfoReader::InterfaceAddress>> hostInterfaceAddresses()
 {
@@ -131,8 +130,8 @@ QString NetworkInfoReader::cellularInterfaceName() const
     const QDir net(QDir(_root).filePath(QStringLiteral("sys/class/net")));
     const QStringList names = net.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::System, QDir::Name);
     for (const QString &name : names) {
-        const QByteArray uevent = SysfsText::read(_root, QStringLiteral("sys/class/net/") + name
-                                                              + QStringLiteral("/uevent"));
+        const QByteArray uevent = SysfsText::read(_root,
+                                                  QStringLiteral("sys/class/net/") + name + QStringLiteral("/uevent"));
         if (SysfsText::assignment(uevent, QStringLiteral("DEVTYPE")) == u"wwan")
             return name;
     }
@@ -160,8 +159,8 @@ bool NetworkInfoReader::interfaceIsUp(const QString &interfaceName) const
 {
     if (interfaceName.isEmpty())
         return false;
-    const QString text = SysfsText::firstLine(_root, QStringLiteral("sys/class/net/") + interfaceName
-                                                          + QStringLiteral("/flags"));
+    const QString text = SysfsText::firstLine(
+        _root, QStringLiteral("sys/class/net/") + interfaceName + QStringLiteral("/flags"));
     bool ok = false;
     const unsigned flags = text.toUInt(&ok, 16);
     return ok && (flags & IFF_UP) != 0;
@@ -210,8 +209,9 @@ QString NetworkInfoReader::hostname() const
 QString NetworkInfoReader::localIPAddress() const
 {
     const QString host = hostname();
-    const Resolution resolution = (host.isNull() || !_seams.resolveIPv4) ? Resolution{QString(), QStringLiteral("Unknown host")}
-                                                                          : _seams.resolveIPv4(host);
+    const Resolution resolution = (host.isNull() || !_seams.resolveIPv4)
+        ? Resolution{QString(), QStringLiteral("Unknown host")}
+        : _seams.resolveIPv4(host);
     if (!resolution.address.isNull())
         return resolution.address;
     // Without mDNS (most desktops) "<host>.local" does not resolve; that is no fault.
@@ -271,8 +271,7 @@ std::optional<std::uint32_t> NetworkInfoReader::flagsFromRoute() const
 
 void NetworkInfoReader::pingReachabilityInternal()
 {
-    const std::optional<std::uint32_t> flags = _seams.reachabilityFlags ? _seams.reachabilityFlags()
-                                                                         : flagsFromRoute();
+    const std::optional<std::uint32_t> flags = _seams.reachabilityFlags ? _seams.reachabilityFlags() : flagsFromRoute();
     if (!flags) {
         qCWarning(lcNetworkInfo).noquote() << "Error. Could not recover network reachability flags";
         return;

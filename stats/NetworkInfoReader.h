@@ -30,24 +30,24 @@ public:
 
     struct InterfaceAddress {
         QString name;
-        int family = 0;          // AF_INET, AF_INET6, AF_PACKET, ...
-        unsigned flags = 0;      // IFF_*
-        QString address;         // dotted text for AF_INET, else ""
+        int family = 0;     // AF_INET, AF_INET6, AF_PACKET, ...
+        unsigned flags = 0; // IFF_*
+        QString address;    // dotted text for AF_INET, else ""
     };
 
     struct Resolution {
-        QString address;         // first IPv4 address, dotted; null on failure
-        QString error;           // resolver's reason when address is null
+        QString address; // first IPv4 address, dotted; null on failure
+        QString error;   // resolver's reason when address is null
     };
 
     struct Seams {
-        std::function<std::optional<QList<InterfaceAddress>>()> interfaceAddresses;   // nullopt: call failed
-        std::function<std::optional<RouteLookup::Route>()> linkLocalRoute;            // nullopt: kernel not asked
+        std::function<std::optional<QList<InterfaceAddress>>()> interfaceAddresses; // nullopt: call failed
+        std::function<std::optional<RouteLookup::Route>()> linkLocalRoute;          // nullopt: kernel not asked
         // When set, replaces the flags derived from linkLocalRoute (nullopt: failure).
         std::function<std::optional<std::uint32_t>()> reachabilityFlags;
-        std::function<std::optional<QString>()> hostName;                             // nullopt: call failed
+        std::function<std::optional<QString>()> hostName; // nullopt: call failed
         std::function<Resolution(const QString &)> resolveIPv4;
-        std::function<std::optional<CarrierInfo>()> carrier;                           // nullopt: no carrier
+        std::function<std::optional<CarrierInfo>()> carrier; // nullopt: no carrier
     };
     static Seams hostSeams();
 
@@ -55,14 +55,14 @@ public:
 
     InfoDictionary networkInfo();
 
-    QString macAddress() const;          // null on failure
-    QString hostname() const;            // "<name>.local", null on failure
+    QString macAddress() const; // null on failure
+    QString hostname() const;   // "<name>.local", null on failure
     // "<name>.local" resolved, else the reachability route's source address; null
     // when neither is known.
     QString localIPAddress() const;
     QString wifiIPAddress() const;
     QString cellularIPAddress() const;
-    QString externalIPAddress() const;   // body, or an error text
+    QString externalIPAddress() const; // body, or an error text
     // What the address endpoint's body shows as: the body, or why it is not an address.
     static QString externalAddressFromBody(const QByteArray &body);
 
@@ -72,7 +72,7 @@ public:
     bool activeWLAN() const;
     std::optional<CarrierInfo> carrierInfo() const;
 
-    std::uint32_t reachabilityFlags() const;   // the word as last refreshed
+    std::uint32_t reachabilityFlags() const; // the word as last refreshed
 
     // Which interfaces play the roles of "en0" (a wireless one) and "pdp_ip0" (a wwan
     // one) right now; "" for none.

@@ -11,7 +11,7 @@
 class RouteLookup {
 public:
     struct Route {
-        bool exists = false;     // false: the kernel has no route (unreachable)
+        bool exists = false; // false: the kernel has no route (unreachable)
         int interfaceIndex = 0;
         QString interfaceName;   // "" when the interface vanished meanwhile
         QString preferredSource; // dotted address the kernel would send from ("src"); "" when none

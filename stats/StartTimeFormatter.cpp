@@ -7,8 +7,8 @@ StartTimeFormatter::StartTimeFormatter(const QByteArray &locale, const QString &
     static_assert(sizeof(UChar) == sizeof(char16_t));
     UErrorCode status = U_ZERO_ERROR;
     const UChar *zone = timeZone.isEmpty() ? nullptr : reinterpret_cast<const UChar *>(timeZone.utf16());
-    UDateFormat *format = udat_open(UDAT_MEDIUM, UDAT_MEDIUM, locale.isEmpty() ? nullptr : locale.constData(),
-                                    zone, zone ? int32_t(timeZone.size()) : -1, nullptr, -1, &status);
+    UDateFormat *format = udat_open(UDAT_MEDIUM, UDAT_MEDIUM, locale.isEmpty() ? nullptr : locale.constData(), zone,
+                                    zone ? int32_t(timeZone.size()) : -1, nullptr, -1, &status);
     if (U_FAILURE(status)) {
         if (format)
             udat_close(format);

@@ -200,9 +200,7 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
         records.append(std::move(record));
     }
     // Forget processes that have gone, so the cache stays as large as the table.
-    _startTimes.removeIf([this](const QHash<int, StartTimeEntry>::iterator &it) {
-        return it->seenInScan != _scan;
-    });
+    _startTimes.removeIf([this](const QHash<int, StartTimeEntry>::iterator &it) { return it->seenInScan != _scan; });
     return records;
 }
 

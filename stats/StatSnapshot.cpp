@@ -49,8 +49,9 @@ QJsonObject StatSnapshot::capture(StatCore &core, Device *device, std::chrono::m
     snapshot.insert(QStringLiteral("runningProcesses"), runningProcessesJson(core.runningProcesses()));
     snapshot.insert(QStringLiteral("systemInfo"), core.systemInfo().toJson());
     snapshot.insert(QStringLiteral("networkInfo"), core.networkInfo().toJson());
-    snapshot.insert(QStringLiteral("battery"), device ? batteryJson(device->batteryLevel(), device->batteryState())
-                                                      : batteryJson(-1.0f, Device::BatteryStateUnknown));
+    snapshot.insert(QStringLiteral("battery"),
+                    device ? batteryJson(device->batteryLevel(), device->batteryState())
+                           : batteryJson(-1.0f, Device::BatteryStateUnknown));
     return snapshot;
 }
 

@@ -32,8 +32,7 @@ QString assignment(const QByteArray &contents, const QString &key)
         if (!line.startsWith(prefix))
             continue;
         QByteArray value = line.mid(prefix.size());
-        if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'')
-            && value.back() == value.front()) {
+        if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front()) {
             value = value.mid(1, value.size() - 2);
         }
         QByteArray unescaped;

@@ -107,7 +107,8 @@ CacheFigures readCacheDirectories(const QString &root)
     CacheFigures figures;
     const QString base = QStringLiteral("sys/devices/system/cpu/cpu0/cache");
     // Filtered here: a name filter would compile a wildcard pattern for each call.
-    const QStringList entries = QDir(QDir(root).filePath(base)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    const QStringList entries =
+        QDir(QDir(root).filePath(base)).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     std::uint64_t firstLine = 0;
     std::uint64_t dataLine = 0;
     for (const QString &index : entries) {
@@ -117,7 +118,8 @@ CacheFigures readCacheDirectories(const QString &root)
         const QString level = SysfsText::firstLine(root, dir + QStringLiteral("level"));
         const QString type = SysfsText::firstLine(root, dir + QStringLiteral("type"));
         const std::uint64_t size = parseCacheSize(SysfsText::firstLine(root, dir + QStringLiteral("size")));
-        const std::uint64_t line = SysfsText::firstLine(root, dir + QStringLiteral("coherency_line_size")).toULongLong();
+        const std::uint64_t line =
+            SysfsText::firstLine(root, dir + QStringLiteral("coherency_line_size")).toULongLong();
         if (firstLine == 0)
             firstLine = line;
         if (level == u"1" && type == u"Instruction") {
@@ -139,10 +141,27 @@ CacheFigures readCacheDirectories(const QString &root)
 bool isFirmwarePlaceholder(const QString &value)
 {
     static const char *const placeholders[] = {
-        "To Be Filled By O.E.M.", "To Be Filled By OEM", "System Product Name", "System manufacturer",
-        "System Name", "Product Name", "Default string", "Not Applicable", "Not Specified", "Not Available",
-        "None", "N/A", "OEM", "O.E.M.", "Unknown", "Undefined", "Invalid", "Type1ProductConfigId",
-        "0123456789", "Default_string", "XXXXXXXXXX",
+        "To Be Filled By O.E.M.",
+        "To Be Filled By OEM",
+        "System Product Name",
+        "System manufacturer",
+        "System Name",
+        "Product Name",
+        "Default string",
+        "Not Applicable",
+        "Not Specified",
+        "Not Available",
+        "None",
+        "N/A",
+        "OEM",
+        "O.E.M.",
+        "Unknown",
+        "Undefined",
+        "Invalid",
+        "Type1ProductConfigId",
+        "0123456789",
+        "Default_string",
+        "XXXXXXXXXX",
     };
     const QString text = value.trimmed();
     if (text.isEmpty())
@@ -215,8 +234,8 @@ QString SystemInfoReader::getSysInfoByName(const QString &name) const
     if (name == u"hw.machine" || name == u"kern.ostype" || name == u"kern.osrelease") {
         const UnameValues names = _calls.uname ? _calls.uname() : UnameValues{};
         const QString &value = name == u"hw.machine" ? names.machine
-                             : name == u"kern.ostype" ? names.sysname
-                                                      : names.release;
+            : name == u"kern.ostype"                 ? names.sysname
+                                                     : names.release;
         return value.isNull() ? QStringLiteral("") : value;
     }
     if (name == u"hw.model")
@@ -315,8 +334,8 @@ std::uint32_t SystemInfoReader::cacheFigure(std::uint32_t selector) const
     // phones have no L3). Virtual machines often expose no cache directory at all;
     // the C library then still knows the figures from the processor itself.
     const CacheFigures figures = readCacheDirectories(_root);
-    const bool kernelListsCaches
-        = QFileInfo(QDir(_root).filePath(QStringLiteral("sys/devices/system/cpu/cpu0/cache"))).isDir();
+    const bool kernelListsCaches =
+        QFileInfo(QDir(_root).filePath(QStringLiteral("sys/devices/system/cpu/cpu0/cache"))).isDir();
     std::uint64_t fromSysfs = 0;
     int sysconfName = 0;
     switch (selector) {
@@ -436,7 +455,8 @@ QString SystemInfoReader::getCPUFrequency() const
     }
     // The highest clock cpufreq allows (kHz), else the clock the kernel measured.
     bool ok = false;
-    const quint64 maxKHz = SysfsText::firstLine(_root, QStringLiteral("sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq"))
+    const quint64 maxKHz = SysfsText::firstLine(_root,
+                                                QStringLiteral("sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq"))
                                .toULongLong(&ok);
     if (ok && maxKHz > 0)
         return frequencyText(double(maxKHz) * 1000.0);
@@ -453,7 +473,6 @@ InfoDictionary SystemInfoReader::systemInfo() const
         return Formatting::byteToKiloMegaGigaWithByte(double(getSysInfo(selector)), 0, true);
     };
 
-
     InfoDictionary info;
     info.addSection(QStringLiteral("DeviceInfo"),
                     {{QStringLiteral("Device"), platformString()},
@@ -463,17 +482,19 @@ InfoDictionary SystemInfoReader::systemInfo() const
     info.addSection(QStringLiteral("OSInfo"),
                     {{QStringLiteral("OS"), identity.systemName()},
                      {QStringLiteral("OS Version"), identity.systemVersion()},
-                     {QStringLiteral("Kernel"), getSysInfoByName(QStringLiteral("kern.ostype")) + QStringLiteral(", ")
-                                                    + getSysInfoByName(QStringLiteral("kern.osrelease"))}});
-    info.addSection(QStringLiteral("CPUInfo"),
-                    {{QStringLiteral("Number of Cpus"), QString::number(getSysInfo(HW_NCPU))},
-                     {QStringLiteral("CPU Frequency"), getCPUFrequency()},
-                     // The full 64-bit rate: a TSC above 4.29 GHz is no rarity.
-                     {QStringLiteral("TB Frequency"), Formatting::hzToKiloMegaGigaWithHz(double(timeBaseHz()), 0, true)},
-                     {QStringLiteral("Cache Line Size"), bytes(HW_CACHELINE)},
-                     {QStringLiteral("L1 I Cache Size"), bytes(HW_L1ICACHESIZE)},
-                     {QStringLiteral("L1 D Cache Size"), bytes(HW_L1DCACHESIZE)},
-                     {QStringLiteral("L2 Cache Size"), bytes(HW_L2CACHESIZE)},
-                     {QStringLiteral("L3 Cache Size"), bytes(HW_L3CACHESIZE)}});
+                     {QStringLiteral("Kernel"),
+                      getSysInfoByName(QStringLiteral("kern.ostype")) + QStringLiteral(", ")
+                          + getSysInfoByName(QStringLiteral("kern.osrelease"))}});
+    info.addSection(
+        QStringLiteral("CPUInfo"),
+        {{QStringLiteral("Number of Cpus"), QString::number(getSysInfo(HW_NCPU))},
+         {QStringLiteral("CPU Frequency"), getCPUFrequency()},
+         // The full 64-bit rate: a TSC above 4.29 GHz is no rarity.
+         {QStringLiteral("TB Frequency"), Formatting::hzToKiloMegaGigaWithHz(double(timeBaseHz()), 0, true)},
+         {QStringLiteral("Cache Line Size"), bytes(HW_CACHELINE)},
+         {QStringLiteral("L1 I Cache Size"), bytes(HW_L1ICACHESIZE)},
+         {QStringLiteral("L1 D Cache Size"), bytes(HW_L1DCACHESIZE)},
+         {QStringLiteral("L2 Cache Size"), bytes(HW_L2CACHESIZE)},
+         {QStringLiteral("L3 Cache Size"), bytes(HW_L3CACHESIZE)}});
     return info;
 }

@@ -33,8 +33,8 @@ public:
 
     struct SystemCalls {
         std::function<UnameValues()> uname;
-        std::function<long(int)> sysconf;                  // _SC_* names; <= 0 means unknown
-        std::function<std::uint64_t()> timeBaseFrequency;  // Hz from the processor itself, 0 when unknown
+        std::function<long(int)> sysconf;                 // _SC_* names; <= 0 means unknown
+        std::function<std::uint64_t()> timeBaseFrequency; // Hz from the processor itself, 0 when unknown
     };
     static SystemCalls hostSystemCalls();
 

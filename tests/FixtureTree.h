@@ -36,11 +36,9 @@ inline bool writeFile(const QString &path, const QByteArray &data)
 // machine whose load a test sets between two samples.
 inline bool writeCpuTicks(const QString &root, quint64 user, quint64 system, quint64 idle)
 {
-    return writeFile(root + QStringLiteral("/proc/stat"), QStringLiteral("cpu  %1 0 %2 %3 0 0 0 0 0 0\nbtime 1700000000\n")
-                                                              .arg(user)
-                                                              .arg(system)
-                                                              .arg(idle)
-                                                              .toUtf8());
+    return writeFile(
+        root + QStringLiteral("/proc/stat"),
+        QStringLiteral("cpu  %1 0 %2 %3 0 0 0 0 0 0\nbtime 1700000000\n").arg(user).arg(system).arg(idle).toUtf8());
 }
 
 inline bool copy(const QString &from, const QString &to)
@@ -78,19 +76,25 @@ inline void addRows(const char *table, std::initializer_list<const char *> colum
             if (line.startsWith(u'#'))
                 continue;
             QVERIFY2(fields.size() == qsizetype(columns.size()) + 1, qPrintable(line));
-            const QString name = locale ? QStringLiteral("%1 [%2]").arg(fields.first(), QLatin1String(locale)) : fields.first();
+            const QString name = locale ? QStringLiteral("%1 [%2]").arg(fields.first(), QLatin1String(locale))
+                                        : fields.first();
             QTestData &row = QTest::newRow(qPrintable(name));
             if (locale)
                 row << QString::fromLatin1(locale);
             for (qsizetype i = 1; i < fields.size(); ++i)
-                row << QString(fields.at(i)).replace(QLatin1String("\\t"), QLatin1String("\t")).replace(QLatin1String("\\n"), QLatin1String("\n"));
+                row << QString(fields.at(i))
+                           .replace(QLatin1String("\\t"), QLatin1String("\t"))
+                           .replace(QLatin1String("\\n"), QLatin1String("\n"));
         }
     }
 }
 
 // The locales in which the figures must read the same: their formats are fixed and English,
 // whatever LC_NUMERIC says (a comma before the decimals, a narrow space between thousands).
-#define KOVAR_FIGURE_LOCALES {"C", "de_DE.UTF-8", "fr_FR.UTF-8"}
+#define KOVAR_FIGURE_LOCALES                                                                                           \
+    {                                                                                                                  \
+        "C", "de_DE.UTF-8", "fr_FR.UTF-8"                                                                              \
+    }
 
 // Sets the process's locale for one row (the C library's and the one Qt reads at start).
 inline bool useLocale(const QString &name)
@@ -134,7 +138,8 @@ inline QStringList tableLines(const InfoDictionary &info)
     QStringList lines;
     for (const QString &section : info.sectionNames()) {
         for (const InfoRow &row : info.section(section))
-            lines.append(section + u'\t' + row.key + u'\t' + (row.value.isNull() ? QStringLiteral("<null>") : row.value));
+            lines.append(section + u'\t' + row.key + u'\t'
+                         + (row.value.isNull() ? QStringLiteral("<null>") : row.value));
     }
     return lines;
 }

@@ -5,13 +5,13 @@
 // A message bus of the test's own (a dbus-daemon child) and, on demand, one mock service
 // on it (python3-dbusmock, told the bus is the system bus). Everything started here is
 // ended here, by its pid.
-class PrivateBus
-{
+class PrivateBus {
 public:
     PrivateBus()
     {
         _daemon.start(QStringLiteral("dbus-daemon"), {"--session", "--nofork", "--nopidfile", "--print-address=1"});
-        for (QDeadlineTimer deadline(10000); _daemon.waitForStarted() && !_daemon.canReadLine() && !deadline.hasExpired();)
+        for (QDeadlineTimer deadline(10000);
+             _daemon.waitForStarted() && !_daemon.canReadLine() && !deadline.hasExpired();)
             _daemon.waitForReadyRead(100);
         _address = QString::fromUtf8(_daemon.readLine()).trimmed();
         QDBusConnection::connectToBus(_address, name);
@@ -39,7 +39,8 @@ public:
         _mock.start(QStringLiteral("/usr/bin/python3"), QStringList{"-m", "dbusmock"} + arguments);
         // The name counts only once this very process owns it: a mock ended just before may
         // still hold it for a moment.
-        for (QDeadlineTimer deadline(30000); _mock.waitForStarted() && !deadline.hasExpired(); _mock.waitForFinished(20)) {
+        for (QDeadlineTimer deadline(30000); _mock.waitForStarted() && !deadline.hasExpired();
+             _mock.waitForFinished(20)) {
             const QDBusReply<uint> owner = connection().interface()->servicePid(service);
             if (owner.isValid() && owner.value() == uint(_mock.processId()))
                 return true;
@@ -56,7 +57,8 @@ public:
     // A method of the mock's control interface at `path`; false (and a warning) on error.
     bool callMock(const QString &path, const QString &method, const QVariantList &arguments)
     {
-        QDBusMessage call = QDBusMessage::createMethodCall(_service, path, QStringLiteral("org.freedesktop.DBus.Mock"), method);
+        QDBusMessage call = QDBusMessage::createMethodCall(_service, path, QStringLiteral("org.freedesktop.DBus.Mock"),
+                                                           method);
         call.setArguments(arguments);
         const QDBusMessage reply = connection().call(call, QDBus::Block, 10000);
         if (reply.type() != QDBusMessage::ReplyMessage)

@@ -25,12 +25,17 @@ inline bool near(const QColor &color, const QColor &expected, int tolerance = 24
 {
     return color.isValid() && std::abs(color.red() - expected.red()) <= tolerance
         && std::abs(color.green() - expected.green()) <= tolerance
-        && std::abs(color.blue() - expected.blue()) <= tolerance && std::abs(color.alpha() - expected.alpha()) <= tolerance;
+        && std::abs(color.blue() - expected.blue()) <= tolerance
+        && std::abs(color.alpha() - expected.alpha()) <= tolerance;
 }
 
 inline QString describe(const QColor &color)
 {
-    return color.isValid() ? QStringLiteral("rgba(%1, %2, %3, %4)").arg(color.red()).arg(color.green()).arg(color.blue()).arg(color.alpha())
+    return color.isValid() ? QStringLiteral("rgba(%1, %2, %3, %4)")
+                                 .arg(color.red())
+                                 .arg(color.green())
+                                 .arg(color.blue())
+                                 .arg(color.alpha())
                            : QStringLiteral("(outside the image)");
 }
 

@@ -6,13 +6,12 @@
 // The plain page indicator: one small dot per page, centred in a row, the current
 // page's dot white and the others faint. It only shows the page set from outside
 // and takes no input, so what lies under it still does.
-class DotPageControl : public QWidget
-{
+class DotPageControl : public QWidget {
     Q_OBJECT
 
 public:
     static constexpr qreal DotDiameter = 7.0;
-    static constexpr qreal DotSpacing = 9.0;       // between two dots' edges
+    static constexpr qreal DotSpacing = 9.0; // between two dots' edges
     static const QColor CurrentDotColor;
     static const QColor OtherDotColor;
 

@@ -34,7 +34,7 @@ std::array<int, 3> boxRadii(qreal sigma)
     const int upper = lower + 2;
     const qreal m = std::round((12.0 * sigma * sigma - 3.0 * lower * lower - 12.0 * lower - 9.0)
                                / (-4.0 * lower - 4.0));
-    std::array<int, 3> radii {};
+    std::array<int, 3> radii{};
     for (int i = 0; i < 3; ++i)
         radii[size_t(i)] = ((i < m ? lower : upper) - 1) / 2;
     return radii;
@@ -93,8 +93,7 @@ void gaussianBlurAlpha(QImage &image, qreal sigma)
 
 } // namespace
 
-void DropShadow::paintShadow(QPainter &painter, const QPainterPath &area, qreal areaOpacity,
-                             QPointF offset, qreal blur)
+void DropShadow::paintShadow(QPainter &painter, const QPainterPath &area, qreal areaOpacity, QPointF offset, qreal blur)
 {
     if (area.isEmpty() || areaOpacity <= 0.0)
         return;
@@ -126,15 +125,13 @@ void DropShadow::paintShadow(QPainter &painter, const QPainterPath &area, qreal 
     painter.restore();
 }
 
-void DropShadow::fillPath(QPainter &painter, const QPainterPath &path, const QBrush &brush,
-                          QPointF offset, qreal blur)
+void DropShadow::fillPath(QPainter &painter, const QPainterPath &path, const QBrush &brush, QPointF offset, qreal blur)
 {
     paintShadow(painter, path, brush.color().alphaF(), offset, blur);
     painter.fillPath(path, brush);
 }
 
-void DropShadow::strokePath(QPainter &painter, const QPainterPath &path, const QPen &pen,
-                            QPointF offset, qreal blur)
+void DropShadow::strokePath(QPainter &painter, const QPainterPath &path, const QPen &pen, QPointF offset, qreal blur)
 {
     QPainterPathStroker stroker(pen);
     paintShadow(painter, stroker.createStroke(path), pen.color().alphaF(), offset, blur);

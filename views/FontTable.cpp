@@ -6,8 +6,7 @@
 
 namespace {
 
-struct FontEntry
-{
+struct FontEntry {
     const char *fontName;
     QStringList families;
     QFont::Weight weight;
@@ -21,13 +20,18 @@ const QList<FontEntry> &fontEntries()
     // The first family of each entry is the face the name stands for; the
     // next ones are installed stand-ins with the same metrics or look.
     static const QList<FontEntry> entries = {
-        { "CourierNewPS-BoldMT", { QStringLiteral("Courier New"), QStringLiteral("Liberation Mono"),
-                                   QStringLiteral("DejaVu Sans Mono") }, QFont::Bold, 100 },
-        { "Helvetica-Bold", { QStringLiteral("Helvetica"), QStringLiteral("Nimbus Sans"),
-                              QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans") }, QFont::Bold, 100 },
+        {"CourierNewPS-BoldMT",
+         {QStringLiteral("Courier New"), QStringLiteral("Liberation Mono"), QStringLiteral("DejaVu Sans Mono")},
+         QFont::Bold,
+         100},
+        {"Helvetica-Bold",
+         {QStringLiteral("Helvetica"), QStringLiteral("Nimbus Sans"), QStringLiteral("Liberation Sans"),
+          QStringLiteral("DejaVu Sans")},
+         QFont::Bold,
+         100},
         // DejaVu Sans Bold runs about an eighth wider than Trebuchet MS Bold;
         // unstretched, "Summary" would not fit its page-control cell.
-        { "TrebuchetMS-Bold", { QStringLiteral("Trebuchet MS"), QStringLiteral("DejaVu Sans") }, QFont::Bold, 88 },
+        {"TrebuchetMS-Bold", {QStringLiteral("Trebuchet MS"), QStringLiteral("DejaVu Sans")}, QFont::Bold, 88},
     };
     return entries;
 }

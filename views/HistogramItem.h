@@ -4,12 +4,13 @@
 
 // One CPU sample for the histogram. Only the ratios between the three shares
 // matter; the unit is whatever the caller counts in (ticks, usually).
-class HistogramItem
-{
+class HistogramItem {
 public:
     constexpr HistogramItem() = default;
     constexpr HistogramItem(qint32 data1, qint32 data2, qint32 data3)
-        : _data1(data1), _data2(data2), _data3(data3)
+        : _data1(data1)
+        , _data2(data2)
+        , _data3(data3)
     {
     }
 

@@ -105,8 +105,7 @@ void OOHistogramView::paintEvent(QPaintEvent *)
                 if (row < idleRows)
                     continue;
                 const QColor &color = row < idleRows + userRows ? UserColor : SystemColor;
-                painter.fillRect(QRectF(x, pitchY * float(row) + Margin, _itemRectWidth, _itemRectHeight),
-                                 color);
+                painter.fillRect(QRectF(x, pitchY * float(row) + Margin, _itemRectWidth, _itemRectHeight), color);
             }
         }
     }

@@ -8,8 +8,7 @@
 // The CPU-load history as a grid of small cells: one column per sample,
 // newest at the right, each column red (system) at the foot, cyan (user)
 // above it and unpainted (idle) at the top, inside a white frame.
-class OOHistogramView : public QWidget
-{
+class OOHistogramView : public QWidget {
     Q_OBJECT
 
 public:

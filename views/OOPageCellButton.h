@@ -3,8 +3,7 @@
 #include <QAbstractButton>
 
 // The invisible button over one page-control cell.
-class OOPageCellButton : public QAbstractButton
-{
+class OOPageCellButton : public QAbstractButton {
     Q_OBJECT
 
 public:

@@ -39,7 +39,7 @@ OOPageControl::OOPageControl(const QRect &frame, int numberOfPages, QWidget *par
 
     for (int i = 0; i < numberOfPages; ++i) {
         const QRectF rect(qreal(i) * cell + 2.0, 2.0, w, h);
-        _cells.append(Cell { rect, QColor(Qt::transparent), TitleColor, QString() });
+        _cells.append(Cell{rect, QColor(Qt::transparent), TitleColor, QString()});
 
         auto *button = new OOPageCellButton(this);
         button->setGeometry(rect.toAlignedRect() & QRect(QPoint(0, 0), frame.size()));

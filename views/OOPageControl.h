@@ -15,8 +15,7 @@ class OOPageControlDelegate;
 // white rounded outline around its title; the current page gets a dark pill
 // and orange text. It only shows the page set from outside: taps on the
 // cells do nothing.
-class OOPageControl : public QWidget
-{
+class OOPageControl : public QWidget {
     Q_OBJECT
 
 public:
@@ -49,8 +48,7 @@ protected:
 private:
     void buttonWasTouchUpInside();
 
-    struct Cell
-    {
+    struct Cell {
         QRectF rect;
         QColor pillColor;
         QColor titleColor;

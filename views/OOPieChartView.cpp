@@ -87,10 +87,10 @@ OOPieChartView::OOPieChartView(const QRect &frame, QWidget *parent)
         setGeometry(frame);
 }
 
-void OOPieChartView::addItemData0(const PieChartItem &data0, const PieChartItem &data1,
-                                  const PieChartItem &data2, const PieChartItem &data3)
+void OOPieChartView::addItemData0(const PieChartItem &data0, const PieChartItem &data1, const PieChartItem &data2,
+                                  const PieChartItem &data3)
 {
-    _itemData = { data0, data1, data2, data3 };
+    _itemData = {data0, data1, data2, data3};
     update();
 }
 

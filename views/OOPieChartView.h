@@ -7,8 +7,7 @@
 
 // A ring chart: a grey ring with a shadow, one coloured segment per item
 // (clockwise from the right, in item order) and white outlines.
-class OOPieChartView : public QWidget
-{
+class OOPieChartView : public QWidget {
     Q_OBJECT
 
 public:

@@ -8,8 +8,7 @@ class QPainter;
 // A colour key swatch: a rectangle (type 0) or an ellipse (type 1) filled
 // with one colour and outlined in white with a soft shadow. Other types draw
 // nothing.
-class OORectView : public QWidget
-{
+class OORectView : public QWidget {
     Q_OBJECT
 
 public:

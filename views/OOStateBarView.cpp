@@ -76,7 +76,7 @@ void OOStateBarView::addItemData(const StateBarItem &item)
 
 void OOStateBarView::addItemData0(const StateBarItem &data0, const StateBarItem &data1)
 {
-    _itemData = { data0, data1 };
+    _itemData = {data0, data1};
     update();
 }
 

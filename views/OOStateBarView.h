@@ -8,8 +8,7 @@
 
 // A horizontal capsule split left to right into coloured segments whose
 // widths follow their values, on a grey background with a white outline.
-class OOStateBarView : public QWidget
-{
+class OOStateBarView : public QWidget {
     Q_OBJECT
 
 public:

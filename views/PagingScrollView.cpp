@@ -16,8 +16,7 @@ namespace {
 constexpr int WheelNotch = 120; // angle delta units of one notch
 } // namespace
 
-int PagingScrollView::targetPageAfterDrag(int startPage, const QList<DragSample> &trail, qreal pageWidth,
-                                          int pageCount)
+int PagingScrollView::targetPageAfterDrag(int startPage, const QList<DragSample> &trail, qreal pageWidth, int pageCount)
 {
     const int lastPage = std::max(0, pageCount - 1);
     if (trail.isEmpty() || pageWidth <= 0)
@@ -237,7 +236,8 @@ void PagingScrollView::scrollerStateChanged(int state)
             recordDragSample(); // where the finger lifted
             const int page = targetPageAfterDrag(_dragStartPage, _trail, viewport()->width(), numberOfPages());
             // The scroller is still in the middle of changing state: turn once it is done.
-            QMetaObject::invokeMethod(this, [this, page] { turnToPage(page); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this, [this, page] { turnToPage(page); }, Qt::QueuedConnection);
         } else if (state == QScroller::Inactive) {
             settle();
         }

@@ -36,8 +36,7 @@ public:
     // content was, in time order, the last sample taken at release. A flick goes to the
     // next page in its direction; a slower release goes to the page nearest to where it
     // ended; either way no further than one page from startPage, and within the pages.
-    static int targetPageAfterDrag(int startPage, const QList<DragSample> &trail, qreal pageWidth,
-                                   int pageCount);
+    static int targetPageAfterDrag(int startPage, const QList<DragSample> &trail, qreal pageWidth, int pageCount);
 
     explicit PagingScrollView(QWidget *parent = nullptr);
 

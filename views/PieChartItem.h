@@ -5,17 +5,19 @@
 
 // One ring segment: an amount and its fill colour. The amount is 64-bit
 // because memory sizes in bytes do not fit in 32 bits on today's machines.
-class PieChartItem
-{
+class PieChartItem {
 public:
     constexpr PieChartItem() = default;
     constexpr PieChartItem(quint64 value, float red, float green, float blue, float alpha)
-        : _value(value), _red(red), _green(green), _blue(blue), _alpha(alpha)
+        : _value(value)
+        , _red(red)
+        , _green(green)
+        , _blue(blue)
+        , _alpha(alpha)
     {
     }
 
-    static constexpr PieChartItem initWithValue(quint64 value, float colorRed, float green, float blue,
-                                                float alpha)
+    static constexpr PieChartItem initWithValue(quint64 value, float colorRed, float green, float blue, float alpha)
     {
         return PieChartItem(value, colorRed, green, blue, alpha);
     }

@@ -3,17 +3,19 @@
 #include <QColor>
 
 // One segment of a state bar: an amount and its fill colour.
-class StateBarItem
-{
+class StateBarItem {
 public:
     constexpr StateBarItem() = default;
     constexpr StateBarItem(double value, float red, float green, float blue, float alpha)
-        : _value(value), _red(red), _green(green), _blue(blue), _alpha(alpha)
+        : _value(value)
+        , _red(red)
+        , _green(green)
+        , _blue(blue)
+        , _alpha(alpha)
     {
     }
 
-    static constexpr StateBarItem initWithVal(double value, float colorRed, float green, float blue,
-                                              float alpha)
+    static constexpr StateBarItem initWithVal(double value, float colorRed, float green, float blue, float alpha)
     {
         return StateBarItem(value, colorRed, green, blue, alpha);
     }

@@ -28,14 +28,14 @@ void finishSlides(const QWidget *host)
 QString text(const QWidget *banner)
 {
     const QRect r = banner ? banner->geometry() : QRect();
-    return banner ? QStringLiteral("%1 %2 %3 %4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height()) : QStringLiteral("-");
+    return banner ? QStringLiteral("%1 %2 %3 %4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height())
+                  : QStringLiteral("-");
 }
 
 // A phone (slot at 410) or tablet (slot at 914) screen with a controller's banners in it, the
 // platform's made by the given kind. The build has no ad server: the network banner's own
 // request has failed, and it is parking.
-struct Slot
-{
+struct Slot {
     std::unique_ptr<QWidget> host = std::make_unique<QWidget>();
     std::unique_ptr<ADControlBase> control;
     QStringList posted; // the AdKind of each ReceiveAd, "?" for a malformed one
@@ -64,7 +64,10 @@ struct Slot
             {"P-", [this] { control->bannerView(platform(), QStringLiteral("no fill")); }},
             {"N+", [this] { control->adViewDidReceiveAd(network()); }},
             {"N0", [this] { control->adViewDidReceiveAd(nullptr); }},
-            {"N-", [this] { control->adView(network(), GADRequestError{GADRequestError::ServerError, QStringLiteral("no fill")}); }},
+            {"N-",
+             [this] {
+                 control->adView(network(), GADRequestError{GADRequestError::ServerError, QStringLiteral("no fill")});
+             }},
             {"C", [this] { network()->loadRequest(GADRequest::request()); }},
             {"H+", [this] { control->hideAllAds(true); }},
             {"H-", [this] { control->hideAllAds(false); }},
@@ -76,12 +79,15 @@ struct Slot
 
 } // namespace
 
-class TestADControl : public QObject
-{
+class TestADControl : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { if (!GADBannerView::configuredServerUrl().isEmpty()) QSKIP("This build has an ad server, which the banners would ask."); }
+    void init()
+    {
+        if (!GADBannerView::configuredServerUrl().isEmpty())
+            QSKIP("This build has an ad server, which the banners would ask.");
+    }
 
     void states_data() { FixtureTree::addRows("slot-states.tsv", {"screen", "events", "expected"}); }
     void states()
@@ -95,8 +101,10 @@ private Q_SLOTS:
         QCOMPARE(slot.host->findChildren<QWidget *>(Qt::FindDirectChildrenOnly).size(), platform ? 2 : 1);
         QVERIFY(BannerSlide::running(slot.network())); // it asked for a banner at once
         const QString portrait = ADBannerView::ADBannerContentSizeIdentifierPortrait;
-        QVERIFY(!platform || (slot.platform()->delegate() == slot.control.get() && slot.platform()->currentContentSizeIdentifier() == portrait
-                              && slot.platform()->requiredContentSizeIdentifiers() == QSet<QString>{portrait}));
+        QVERIFY(!platform
+                || (slot.platform()->delegate() == slot.control.get()
+                    && slot.platform()->currentContentSizeIdentifier() == portrait
+                    && slot.platform()->requiredContentSizeIdentifiers() == QSet<QString>{portrait}));
         finishSlides(slot.host.get());
         for (const QString &event : events.split(u' ', Qt::SkipEmptyParts)) {
             const QStringList before = slot.frames();
@@ -106,16 +114,22 @@ private Q_SLOTS:
             for (QWidget *banner : slot.host->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
                 const QPropertyAnimation *slide = BannerSlide::running(banner);
                 const QEasingCurve curve = slide ? slide->easingCurve() : QEasingCurve();
-                QVERIFY(!slide || (slide->duration() == 200 && slide->startValue().toRect() == banner->geometry() && curve.valueForProgress(0.1) < 0.05
-                                   && qAbs(curve.valueForProgress(0.5) - 0.5) < 0.01 && curve.valueForProgress(0.9) > 0.95));
+                QVERIFY(!slide
+                        || (slide->duration() == 200 && slide->startValue().toRect() == banner->geometry()
+                            && curve.valueForProgress(0.1) < 0.05 && qAbs(curve.valueForProgress(0.5) - 0.5) < 0.01
+                            && curve.valueForProgress(0.9) > 0.95));
             }
             finishSlides(slot.host.get());
         }
-        const QString hidden = QString(slot.network()->isHidden() ? "N" : "") + (platform && slot.platform()->isHidden() ? "P" : "");
+        const QString hidden = QString(slot.network()->isHidden() ? "N" : "")
+            + (platform && slot.platform()->isHidden() ? "P" : "");
         const QObjectList order = slot.host->children();
         const bool onTop = platform && order.indexOf(slot.network()) > order.indexOf(slot.platform());
-        QCOMPARE(QStringList({text(slot.platform()), text(slot.network()), hidden.isEmpty() ? "-" : hidden, slot.control->iAdShow() ? "yes" : "no",
-                              onTop ? "yes" : "no", slot.posted.isEmpty() ? "-" : slot.posted.join(u' ')}).join(" | "), expected);
+        QCOMPARE(QStringList({text(slot.platform()), text(slot.network()), hidden.isEmpty() ? "-" : hidden,
+                              slot.control->iAdShow() ? "yes" : "no", onTop ? "yes" : "no",
+                              slot.posted.isEmpty() ? "-" : slot.posted.join(u' ')})
+                     .join(" | "),
+                 expected);
         QCOMPARE(slot.control->adHide(), events.endsWith(u"H+"));
     }
 

@@ -20,7 +20,8 @@ private Q_SLOTS:
         _server.routeReply("/good", _body);
         _server.route("/moved", [](QTcpSocket *socket, const QByteArray &) {
             LoopbackHttpServer::reply(socket, "301 Moved Permanently", {},
-                                      "Location: http://127.0.0.1:" + QByteArray::number(socket->localPort()) + "/good\r\n");
+                                      "Location: http://127.0.0.1:" + QByteArray::number(socket->localPort())
+                                          + "/good\r\n");
         });
     }
 

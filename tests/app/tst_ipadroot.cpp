@@ -1,12 +1,12 @@
 #include "ADControl.h"
 #include "ADControlForiPad.h"
-#include "FixtureTree.h"
-#include "RootMachine.h"
 #include "DotPageControl.h"
+#include "FixtureTree.h"
 #include "LabelView.h"
 #include "OOHistogramView.h"
 #include "PagingScrollView.h"
 #include "RenderProbe.h"
+#include "RootMachine.h"
 #include "iPadNetworkViewController.h"
 #include "iPadProcessesViewConroller.h"
 #include "iPadRootViewController.h"
@@ -37,9 +37,13 @@ class TestIPadRoot : public QObject {
     QMap<QString, QWidget *> tabletParts()
     {
         iPadTotalViewController *summary = tablet->totalViewController();
-        return {{"title", tablet->titleLabel()}, {"summary", summary}, {"footer", tablet->footerLabel()},
-                {"processes", summary->processesViewController()}, {"dots", summary->pageControl()},
-                {"pager", summary->pager()}, {"system", summary->systemViewController()},
+        return {{"title", tablet->titleLabel()},
+                {"summary", summary},
+                {"footer", tablet->footerLabel()},
+                {"processes", summary->processesViewController()},
+                {"dots", summary->pageControl()},
+                {"pager", summary->pager()},
+                {"system", summary->systemViewController()},
                 {"network", summary->networkViewController()}};
     }
     QStringList tabletGeometries()
@@ -135,12 +139,14 @@ private Q_SLOTS:
         // Each time the process list arrives: the CPU samples taken so far, and whether memory came.
         QStringList seen;
         QObject tick;
-        const auto arrived = [&] { seen << QStringLiteral("%1 %2").arg(samples()).arg(summary->memoryTotalText() != noMemory); };
+        const auto arrived = [&] {
+            seen << QStringLiteral("%1 %2").arg(samples()).arg(summary->memoryTotalText() != noMemory);
+        };
         QAbstractItemModel *list = summary->processesViewController()->tableView()->model();
         connect(list, &QAbstractItemModel::rowsInserted, &tick, arrived);
         connect(list, &QAbstractItemModel::dataChanged, &tick, arrived);
         connect(timer, &QTimer::timeout, &tick, [timer] { timer->stop(); }); // one tick only
-        QVERIFY(machine.setCpuTicks(1030, 1010, 1060)); // 40 % busy over the tick
+        QVERIFY(machine.setCpuTicks(1030, 1010, 1060));                      // 40 % busy over the tick
         timer->start(1);
         QTRY_VERIFY_WITH_TIMEOUT(!timer->isActive(), 3000);
         QCOMPARE(seen.join(u'|'), QStringLiteral("1 1"));
@@ -167,7 +173,9 @@ private Q_SLOTS:
         QImage image(dots->size(), QImage::Format_ARGB32);
         image.fill(Qt::black);
         dots->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
-        const auto dot = [&](int page) { return RenderProbe::at(image, dots->dotRect(page).center().x(), dots->dotRect(page).center().y()); };
+        const auto dot = [&](int page) {
+            return RenderProbe::at(image, dots->dotRect(page).center().x(), dots->dotRect(page).center().y());
+        };
         QVERIFY(RenderProbe::near(dot(1), Qt::white, 16) && !RenderProbe::near(dot(0), Qt::white, 60));
     }
 
@@ -199,7 +207,8 @@ private Q_SLOTS:
         QFETCH(QString, turns);
         const auto o = InterfaceOrientation(orientation);
         iPadTotalViewController *summary = tablet->totalViewController();
-        const bool answers[] = {tablet->shouldAutorotateToInterfaceOrientation(o), summary->shouldAutorotateToInterfaceOrientation(o),
+        const bool answers[] = {tablet->shouldAutorotateToInterfaceOrientation(o),
+                                summary->shouldAutorotateToInterfaceOrientation(o),
                                 summary->processesViewController()->shouldAutorotateToInterfaceOrientation(o),
                                 summary->systemViewController()->shouldAutorotateToInterfaceOrientation(o),
                                 summary->networkViewController()->shouldAutorotateToInterfaceOrientation(o)};

@@ -1,11 +1,11 @@
 #include "ADControl.h"
 #include "ADControlForiPad.h"
 #include "FixtureTree.h"
-#include "RootMachine.h"
 #include "InfoTableModel.h"
 #include "LabelView.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
+#include "RootMachine.h"
 #include "iPhoneNetworkViewController.h"
 #include "iPhoneProcessesViewController.h"
 #include "iPhoneRootViewController.h"
@@ -14,7 +14,6 @@
 
 #include <QtTest>
 #include <QtWidgets>
-
 
 // The phone's root screen: its pager of four pages, the page indicator that follows it,
 // and the refresh that feeds the pages.
@@ -33,7 +32,8 @@ class TestIPhoneRoot : public QObject {
     {
         QString pages;
         for (int i = 0; i < root->pageControl()->numberOfPages(); ++i)
-            pages += root->pageControl()->titleColor(i) == QColor::fromRgbF(1.0f, 0.5f, 0.0f) ? QString::number(i) : QString();
+            pages += root->pageControl()->titleColor(i) == QColor::fromRgbF(1.0f, 0.5f, 0.0f) ? QString::number(i)
+                                                                                              : QString();
         return pages;
     }
 
@@ -173,8 +173,10 @@ private Q_SLOTS:
     void networkReloadsOnEveryActivation()
     {
         QSignalSpy reloads(root->networkViewController()->tableModel(), &QAbstractItemModel::modelReset);
-        const std::pair<Qt::ApplicationState, int> steps[] = {{Qt::ApplicationInactive, 0}, {Qt::ApplicationHidden, 0},
-                                                              {Qt::ApplicationActive, 1}, {Qt::ApplicationActive, 2}};
+        const std::pair<Qt::ApplicationState, int> steps[] = {{Qt::ApplicationInactive, 0},
+                                                              {Qt::ApplicationHidden, 0},
+                                                              {Qt::ApplicationActive, 1},
+                                                              {Qt::ApplicationActive, 2}};
         for (auto [state, count] : steps) {
             Q_EMIT qApp->applicationStateChanged(state);
             QCOMPARE(reloads.count(), count);
@@ -225,7 +227,8 @@ private Q_SLOTS:
             const QPointF at = input.startsWith(u"title") ? QPointF(200, 10) : QPointF(160, 300);
             const QStringList d = input.section(u':', 1).split(u',');
             QWheelEvent wheel(at, root->mapToGlobal(at), QPoint(), QPoint(d[0].toInt(), d[1].toInt()), Qt::NoButton,
-                              input.startsWith(u"shift") ? Qt::ShiftModifier : Qt::NoModifier, Qt::NoScrollPhase, false);
+                              input.startsWith(u"shift") ? Qt::ShiftModifier : Qt::NoModifier, Qt::NoScrollPhase,
+                              false);
             QSpontaneKeyEvent::setSpontaneous(&wheel); // from the window system, into the window
             qApp->notify(root->windowHandle(), &wheel);
         }

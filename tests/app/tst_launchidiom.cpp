@@ -24,8 +24,7 @@ LaunchOptions::Idiom requestedIdiom(const QString &name)
 } // namespace
 
 // The layout chosen for a screen, and the window it opens.
-class TestLaunchIdiom : public QObject
-{
+class TestLaunchIdiom : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:

@@ -13,12 +13,15 @@ LaunchOptions::Idiom idiom(const QString &name)
 
 } // namespace
 
-class TestLaunchOptions : public QObject
-{
+class TestLaunchOptions : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void commandLine_data() { FixtureTree::addRows("app-command-line.tsv", {"arguments", "variable", "idiom", "adServer", "verdict", "metrics"}); }
+    void commandLine_data()
+    {
+        FixtureTree::addRows("app-command-line.tsv",
+                             {"arguments", "variable", "idiom", "adServer", "verdict", "metrics"});
+    }
     void commandLine()
     {
         QFETCH(QString, arguments);
@@ -29,11 +32,13 @@ private Q_SLOTS:
         QFETCH(QString, metrics);
         QProcessEnvironment environment;
         environment.insert(QStringLiteral("KOVAR_AD_SERVER"), variable);
-        const LaunchOptions options = LaunchOptions::parse(QStringList{"kovar"} + arguments.split(u' ', Qt::SkipEmptyParts), environment);
+        const LaunchOptions options = LaunchOptions::parse(
+            QStringList{"kovar"} + arguments.split(u' ', Qt::SkipEmptyParts), environment);
         QCOMPARE(options.idiom, ::idiom(idiom));
         QCOMPARE(options.adServer.toString(), adServer);
         QCOMPARE(QString::fromLatin1(options.error.isEmpty() ? "accepted" : "refused"), verdict);
-        QCOMPARE(options.serveMetrics ? options.metricsAddress + u' ' + QString::number(options.metricsPort) : QString(),
+        QCOMPARE(options.serveMetrics ? options.metricsAddress + u' ' + QString::number(options.metricsPort)
+                                      : QString(),
                  metrics);
     }
 };

@@ -8,8 +8,8 @@
 #include "LaunchOptions.h"
 #include "MonitorAppDelegate_iPad.h"
 
-#include <QtWidgets>
 #include <QtTest>
+#include <QtWidgets>
 
 #include <array>
 #include <cstring>
@@ -20,8 +20,7 @@ const QString laptop = FixtureTree::path(QStringLiteral("power_supply/laptop-dis
 
 } // namespace
 
-class TestMonitorAppDelegate : public QObject
-{
+class TestMonitorAppDelegate : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -37,13 +36,14 @@ private Q_SLOTS:
         Device device(laptop);
         const bool tablet = window.width() >= LaunchIdiom::tabletMinimumSide;
         const auto delegate = IdiomDelegate::create(tablet ? LaunchIdiom::Kind::Tablet : LaunchIdiom::Kind::Phone,
-                                                         window, &device);
+                                                    window, &device);
         LaunchOptions options; // an ad server that refuses at once, on this machine
         options.adServer = QUrl(QStringLiteral("http://127.0.0.1:1/ads"));
         QVERIFY(delegate->application(qApp, options));
         QVERIFY(delegate->window()->isVisible() && device.isBatteryMonitoringEnabled());
         delegate->application(qApp, options); // a launch message arriving twice stacks nothing
-        const ADControlBase *banners = tablet ? static_cast<ADControlBase *>(ADControlForiPad::defaultsADForiPad()) : ADControl::defaultsAD();
+        const ADControlBase *banners = tablet ? static_cast<ADControlBase *>(ADControlForiPad::defaultsADForiPad())
+                                              : ADControl::defaultsAD();
         QCOMPARE(banners->adMobBanner()->serverUrl(), options.adServer);
         QVERIFY(!delegate->window()->windowIcon().pixmap(32).isNull());
 
@@ -70,8 +70,10 @@ private Q_SLOTS:
         Device device(laptop);
         MonitorAppDelegate_iPad delegate(QSize(768, 1024), &device);
         delegate.application(qApp, LaunchOptions());
-        const QMap<QChar, Qt::ApplicationState> states{{u'A', Qt::ApplicationActive}, {u'I', Qt::ApplicationInactive},
-                                                       {u'H', Qt::ApplicationHidden}, {u'S', Qt::ApplicationSuspended}};
+        const QMap<QChar, Qt::ApplicationState> states{{u'A', Qt::ApplicationActive},
+                                                       {u'I', Qt::ApplicationInactive},
+                                                       {u'H', Qt::ApplicationHidden},
+                                                       {u'S', Qt::ApplicationSuspended}};
         QString seen;
         for (QChar step : steps) {
             if (states.contains(step))

@@ -9,14 +9,19 @@ class TestPlatformStart : public QObject {
 private Q_SLOTS:
     void sessionBusAddress_data()
     {
-        QTest::addColumn<QString>("address");   // DBUS_SESSION_BUS_ADDRESS; "-" unset
-        QTest::addColumn<QString>("runtime");   // XDG_RUNTIME_DIR: "-" unset, "bus" holding a bus, "empty"
-        QTest::addColumn<QByteArray>("set");    // what to set; empty: leave it alone
-        QTest::newRow("a desktop session names its bus") << "unix:path=/run/user/1000/bus" << "bus" << QByteArray();
-        QTest::newRow("systemd's user bus without the variable") << "-" << "bus" << QByteArray();
-        QTest::newRow("no bus and no runtime directory") << "-" << "-" << QByteArray("disabled:");
-        QTest::newRow("a runtime directory without a bus") << "-" << "empty" << QByteArray("disabled:");
-        QTest::newRow("an empty address names no bus") << "" << "empty" << QByteArray("disabled:");
+        QTest::addColumn<QString>("address"); // DBUS_SESSION_BUS_ADDRESS; "-" unset
+        QTest::addColumn<QString>("runtime"); // XDG_RUNTIME_DIR: "-" unset, "bus" holding a bus, "empty"
+        QTest::addColumn<QByteArray>("set");  // what to set; empty: leave it alone
+        QTest::newRow("a desktop session names its bus") << "unix:path=/run/user/1000/bus"
+                                                         << "bus" << QByteArray();
+        QTest::newRow("systemd's user bus without the variable") << "-"
+                                                                 << "bus" << QByteArray();
+        QTest::newRow("no bus and no runtime directory") << "-"
+                                                         << "-" << QByteArray("disabled:");
+        QTest::newRow("a runtime directory without a bus") << "-"
+                                                           << "empty" << QByteArray("disabled:");
+        QTest::newRow("an empty address names no bus") << ""
+                                                       << "empty" << QByteArray("disabled:");
     }
     void sessionBusAddress()
     {

@@ -19,10 +19,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("tablet");
         QTest::addColumn<QString>("pictures"); // name WxH, in the order written
-        QTest::newRow("phone: the window on each page") << false
-            << "01-summary.png 320x480|02-processes.png 320x480|03-system.png 320x480|04-network.png 320x480";
-        QTest::newRow("tablet: the window, then the pager on each page") << true
-            << "01-tablet.png 768x1024|02-system.png 384x630|03-network.png 384x630";
+        QTest::newRow("phone: the window on each page")
+            << false << "01-summary.png 320x480|02-processes.png 320x480|03-system.png 320x480|04-network.png 320x480";
+        QTest::newRow("tablet: the window, then the pager on each page")
+            << true << "01-tablet.png 768x1024|02-system.png 384x630|03-network.png 384x630";
     }
     void pictures()
     {

@@ -4,8 +4,7 @@
 
 #include <csignal>
 
-class TestTerminationSignals : public QObject
-{
+class TestTerminationSignals : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:

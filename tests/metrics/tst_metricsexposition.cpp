@@ -52,7 +52,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, accept);
         QFETCH(QString, format);
-        const MetricsExposition::Format served = MetricsExposition::negotiate(accept == u"-" ? QByteArray() : accept.toLatin1());
+        const MetricsExposition::Format served = MetricsExposition::negotiate(accept == u"-" ? QByteArray()
+                                                                                             : accept.toLatin1());
         QCOMPARE(served == MetricsExposition::Format::OpenMetrics ? "openmetrics" : "text", format);
     }
 };

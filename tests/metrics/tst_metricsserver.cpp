@@ -7,8 +7,7 @@
 
 #include <array>
 
-class TestMetricsServer : public QObject
-{
+class TestMetricsServer : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -43,7 +42,9 @@ private Q_SLOTS:
         std::array<QTcpSocket, 8> crowd;
         for (QTcpSocket &client : crowd)
             client.connectToHost(QHostAddress::LocalHost, port);
-        const auto closed = [](const QTcpSocket &client) { return client.state() == QAbstractSocket::UnconnectedState; };
+        const auto closed = [](const QTcpSocket &client) {
+            return client.state() == QAbstractSocket::UnconnectedState;
+        };
         QTRY_COMPARE_WITH_TIMEOUT(std::count_if(crowd.begin(), crowd.end(), closed), 1, 3000);
         QCOMPARE(std::count_if(crowd.begin(), crowd.end(), open), 7);
     }

@@ -15,15 +15,21 @@ namespace PageProbe {
 inline QColor colour(const QString &name) // of the Summary page's palette
 {
     using namespace SummaryColors;
-    return QMap<QString, Rgb>{{"low", low}, {"warning", warning}, {"critical", critical}, {"good", good}, {"unknown", unknown}}
-        .value(name).color();
+    return QMap<QString, Rgb>{
+        {"low", low}, {"warning", warning}, {"critical", critical}, {"good", good}, {"unknown", unknown}}
+        .value(name)
+        .color();
 }
 
 inline QList<ProcessRecord> records(int count, const QString &name = QStringLiteral("proc"))
 {
     QList<ProcessRecord> list;
     for (int i = 0; i < count; ++i)
-        list.append({QString::number(1000 + i), name + QString::number(i), QString::number(20 - i), QStringLiteral("7:0%1").arg(i), {}});
+        list.append({QString::number(1000 + i),
+                     name + QString::number(i),
+                     QString::number(20 - i),
+                     QStringLiteral("7:0%1").arg(i),
+                     {}});
     return list;
 }
 
@@ -60,7 +66,9 @@ inline QColor at(ListPage &page, int row, QPointF inRow)
     QImage image(page.size(), QImage::Format_ARGB32);
     image.fill(QColor(128, 128, 128));
     page.render(&image);
-    const QPointF p = view->mapTo(&page, view->viewport()->pos() + view->visualRect(view->model()->index(row, 0)).topLeft()) + inRow;
+    const QPointF p = view->mapTo(&page,
+                                  view->viewport()->pos() + view->visualRect(view->model()->index(row, 0)).topLeft())
+        + inRow;
     return RenderProbe::at(image, p.x(), p.y());
 }
 

@@ -1,6 +1,6 @@
 #include "FixtureTree.h"
-#include "PageProbe.h"
 #include "InfoTableModel.h"
+#include "PageProbe.h"
 #include "iPadNetworkViewController.h"
 #include "iPhoneNetworkViewController.h"
 #include "iPhoneSystemViewController.h"
@@ -21,7 +21,10 @@ class TestInfoCellDelegate : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        const auto build = [](auto &page) { page.resize(320, 460); page.viewDidLoad(); };
+        const auto build = [](auto &page) {
+            page.resize(320, 460);
+            page.viewDidLoad();
+        };
         build(system), build(network);
         tabletNetwork.initWithFrame(QRect(0, 0, 500, 600));
     }
@@ -35,7 +38,8 @@ private Q_SLOTS:
                                       std::pair<ListPage *, QString>{&network, "0 40 40 15 25 40 15 25 40 0"}}) {
             QStringList heights;
             for (int row = 0; row < page->tableView()->model()->rowCount(); ++row)
-                heights << QString::number(page->tableView()->visualRect(page->tableView()->model()->index(row, 0)).height());
+                heights << QString::number(
+                    page->tableView()->visualRect(page->tableView()->model()->index(row, 0)).height());
             QCOMPARE(heights.join(u' '), expected);
         }
     }
@@ -46,7 +50,8 @@ private Q_SLOTS:
         QFETCH(QString, value);
         QFETCH(QString, lamp);
         InfoDictionary shown;
-        shown.addSection(QStringLiteral("CommonInfo"), {{QStringLiteral("Available"), value}, {QStringLiteral("Host"), {}}});
+        shown.addSection(QStringLiteral("CommonInfo"),
+                         {{QStringLiteral("Available"), value}, {QStringLiteral("Host"), {}}});
         for (auto [page, centre] : {std::pair<NetworkPage *, qreal>{&network, 241.5}, {&tabletNetwork, 281.5}}) {
             page->setInfoData(shown);
             const QColor seen = at(*page, page->tableModel()->dataRow(0, 0), QPointF(centre, 20)); // the lamp's centre

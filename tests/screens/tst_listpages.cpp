@@ -1,7 +1,7 @@
 #include "FixtureTree.h"
-#include "PageProbe.h"
 #include "FontTable.h"
 #include "InfoTableModel.h"
+#include "PageProbe.h"
 #include "ProcessTableModel.h"
 #include "iPadNetworkViewController.h"
 #include "iPadProcessesViewConroller.h"
@@ -30,7 +30,10 @@ class TestListPages : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        const auto build = [](auto &page) { page.resize(320, 460); page.viewDidLoad(); };
+        const auto build = [](auto &page) {
+            page.resize(320, 460);
+            page.viewDidLoad();
+        };
         build(processes), build(system), build(network);
         for (ListPage *panel : std::initializer_list<ListPage *>{&tabletProcesses, &tabletSystem, &tabletNetwork})
             panel->initWithFrame(QRect(0, 0, 500, 600));
@@ -67,7 +70,8 @@ private Q_SLOTS:
         QCOMPARE(removed.value(0).mid(1), QVariantList({2, 4})); // rows 2 to 4 gone
         const auto text = [model](int role) { return model->index(1, 0).data(role).toString(); };
         QCOMPARE(QStringList({text(ProcessTableModel::PidRole), text(ProcessTableModel::ProcessNameRole),
-                              text(ProcessTableModel::StartTimeRole), text(ProcessTableModel::PriorityRole)}).join(u' '),
+                              text(ProcessTableModel::StartTimeRole), text(ProcessTableModel::PriorityRole)})
+                     .join(u' '),
                  QStringLiteral("1001 next1 7:01 19"));
         processes.setProcData(std::nullopt); // a list that cannot be read keeps the rows shown
         QCOMPARE(processes.totalText() + QString::number(model->rowCount()), QStringLiteral("Total:  22"));
@@ -87,29 +91,31 @@ private Q_SLOTS:
         const QPoint pid = processes.tableView()->viewport()->mapTo(&processes, QPoint(5, 0));
         const QFontMetrics metrics(FontTable::font(QStringLiteral("Helvetica-Bold"), 14));
         int lit = 0;
-        for (int x = metrics.horizontalAdvance(QStringLiteral("419430")) + 1; x < metrics.horizontalAdvance(QStringLiteral("4194304")); ++x)
+        for (int x = metrics.horizontalAdvance(QStringLiteral("419430")) + 1;
+             x < metrics.horizontalAdvance(QStringLiteral("4194304")); ++x)
             for (int y = 0; y < 19; ++y)
                 lit += RenderProbe::at(shot, pid.x() + x, pid.y() + y).lightness() > 160;
         QVERIFY(lit > 0);
     }
 
-    void listFrames_data()
-    {
-        FixtureTree::addRows("list-frames.tsv", {"page", "frames", "titleSize", "priority"});
-    }
+    void listFrames_data() { FixtureTree::addRows("list-frames.tsv", {"page", "frames", "titleSize", "priority"}); }
     void listFrames()
     {
         QFETCH(QString, page);
         QFETCH(QString, frames);
         QFETCH(QString, titleSize);
         QFETCH(QString, priority);
-        const QMap<QString, ListPage *> pages{{"phone processes", &processes}, {"tablet processes", &tabletProcesses},
-                                              {"tablet system", &tabletSystem}, {"tablet network", &tabletNetwork}};
+        const QMap<QString, ListPage *> pages{{"phone processes", &processes},
+                                              {"tablet processes", &tabletProcesses},
+                                              {"tablet system", &tabletSystem},
+                                              {"tablet network", &tabletNetwork}};
         ListPage *list = pages.value(page);
         const LabelView *title = label(*list, list->title());
         QVERIFY(title);
         QCOMPARE(QStringList({text(list->baseView()->geometry()), text(list->panelBackground()->geometry()),
-                              text(list->tableView()->geometry()), text(title->geometry())}).join(u'|'), frames);
+                              text(list->tableView()->geometry()), text(title->geometry())})
+                     .join(u'|'),
+                 frames);
         QCOMPARE(title->font().pixelSize(), titleSize.toInt());
         const LabelView *header = label(*list, QStringLiteral("Priority"));
         QCOMPARE(header ? QString(header->alignment() == Qt::AlignHCenter ? "centre" : "left") : QString(), priority);
@@ -131,7 +137,9 @@ private Q_SLOTS:
         ListPage *list = QList<ListPage *>{&tabletProcesses, &tabletSystem, &tabletNetwork}[page];
         const int first = page == 0 ? 0 : static_cast<InfoTableModel *>(list->tableView()->model())->dataRow(0, 0);
         // In a table 460 points wide, the odd row's stripe still ends at 344.
-        const auto striped = [&](qreal x) { return at(*list, first + 1, QPointF(x, 3)).lightness() < at(*list, first, QPointF(x, 3)).lightness(); };
+        const auto striped = [&](qreal x) {
+            return at(*list, first + 1, QPointF(x, 3)).lightness() < at(*list, first, QPointF(x, 3)).lightness();
+        };
         QVERIFY(striped(342));
         QVERIFY(!striped(346));
     }

@@ -1,9 +1,9 @@
-#include "FixtureTree.h"
-#include "PageProbe.h"
 #include "Device.h"
+#include "FixtureTree.h"
 #include "OOPieChartView.h"
 #include "OORectView.h"
 #include "OOStateBarView.h"
+#include "PageProbe.h"
 #include "StateBarItem.h"
 #include "iPadTotalViewController.h"
 #include "iPhoneTotalViewController.h"
@@ -43,7 +43,10 @@ private Q_SLOTS:
 
     void cleanup() { FixtureTree::useLocale(QStringLiteral("C.UTF-8")); }
 
-    void summaryCpu_data() { FixtureTree::addRows("summary-cpu.tsv", {"ticks", "usage", "texts"}, KOVAR_FIGURE_LOCALES); }
+    void summaryCpu_data()
+    {
+        FixtureTree::addRows("summary-cpu.tsv", {"ticks", "usage", "texts"}, KOVAR_FIGURE_LOCALES);
+    }
     void summaryCpu()
     {
         QFETCH(QString, locale);
@@ -54,7 +57,8 @@ private Q_SLOTS:
         const QStringList t = ticks.split(u' ');
         for (SummaryPanels *page : std::initializer_list<SummaryPanels *>{&summary, &tabletSummary}) {
             page->setCpuUsageData(CpuUsageData{t[0].toUInt(), t[1].toUInt(), t[2].toUInt(), usage.toDouble()});
-            const QStringList shown{page->cpuUserText(), page->cpuSystemText(), page->cpuIdleText(), page->cpuUsageText()};
+            const QStringList shown{page->cpuUserText(), page->cpuSystemText(), page->cpuIdleText(),
+                                    page->cpuUsageText()};
             QCOMPARE(shown.join(u'|'), texts);
         }
     }
@@ -65,10 +69,11 @@ private Q_SLOTS:
         // figure steps up a unit or stays whole.
         summary.setMemoryUsageData(MemoryUsageData{4096, 0, 1610612736, 536870912, 3 * 1048576, 1023, 17179869184ull,
                                                    40, 12.5, 0.05, 100, 8589934592ull, 5000000000000ull});
-        const QStringList memory{summary.memoryWiredText(), summary.memoryActiveText(), summary.memoryInactiveText(),
-                                 summary.memoryFreeText(), summary.memoryTotalText(), summary.memoryUserText(),
+        const QStringList memory{summary.memoryWiredText(),   summary.memoryActiveText(), summary.memoryInactiveText(),
+                                 summary.memoryFreeText(),    summary.memoryTotalText(),  summary.memoryUserText(),
                                  summary.memoryPhysicalText()};
-        QCOMPARE(memory.join(u'|'), QStringLiteral(" 40.0%   2GB| 12.5% 512MB|  0.1%   3MB|100.0%   1KB| 16GB|4,657GB|  8GB"));
+        QCOMPARE(memory.join(u'|'),
+                 QStringLiteral(" 40.0%   2GB| 12.5% 512MB|  0.1%   3MB|100.0%   1KB| 16GB|4,657GB|  8GB"));
         summary.setDiskUsageData(DiskUsageData{128.0 * (1 << 30), 32.0 * (1 << 30)});
         QCOMPARE(summary.diskUsedText() + u'|' + summary.diskFreeText() + u'|' + summary.diskTotalSpaceText(),
                  QStringLiteral(" 75.0%   96.00GB| 25.0%   32.00GB| 128.00GB"));
@@ -120,7 +125,8 @@ private Q_SLOTS:
         QFETCH(QString, bar);
         const QString battery = root.path() + QStringLiteral("/sys/class/power_supply/BAT0/");
         for (const QString &assignment : change.split(u';'))
-            QVERIFY(FixtureTree::writeFile(battery + assignment.section(u'=', 0, 0), assignment.section(u'=', 1).toUtf8() + '\n'));
+            QVERIFY(FixtureTree::writeFile(battery + assignment.section(u'=', 0, 0),
+                                           assignment.section(u'=', 1).toUtf8() + '\n'));
         QTRY_COMPARE_WITH_TIMEOUT(summary.batteryLevelText() + u'|' + summary.batteryStateText(), texts, 5000);
         QTRY_COMPARE_WITH_TIMEOUT(summary.batteryLevelColorRectView()->rectColor(), colour(level), 5000);
         QCOMPARE(summary.batteryStateColorRectView()->rectColor(), colour(state));

@@ -17,8 +17,8 @@ QVariantMap properties(const QString &assignments)
     for (const QString &assignment : assignments.split(u';')) {
         const QString value = assignment.section(u'=', 1);
         map[assignment.section(u'=', 0, 0)] = value == u"false" || value == u"true" ? QVariant(value == u"true")
-                                              : value.contains(u'.')               ? QVariant(value.toDouble())
-                                                                                   : QVariant(value.toUInt());
+            : value.contains(u'.')                                                  ? QVariant(value.toDouble())
+                                                                                    : QVariant(value.toUInt());
     }
     return map;
 }
@@ -27,7 +27,8 @@ QVariantMap properties(const QString &assignments)
 QString figures(const Device &device)
 {
     const char *state = QMetaEnum::fromType<Device::BatteryState>().valueToKey(device.batteryState());
-    return QString::number(device.batteryLevel(), 'g', 3) + u' ' + QString::fromLatin1(state).remove(QStringLiteral("BatteryState"));
+    return QString::number(device.batteryLevel(), 'g', 3) + u' '
+        + QString::fromLatin1(state).remove(QStringLiteral("BatteryState"));
 }
 
 // How often each of the device's signals comes from now on: "level state".
@@ -35,14 +36,16 @@ struct Signals {
     QSignalSpy level;
     QSignalSpy state;
     explicit Signals(Device &device)
-        : level(&device, &Device::batteryLevelDidChange), state(&device, &Device::batteryStateDidChange) {}
+        : level(&device, &Device::batteryLevelDidChange)
+        , state(&device, &Device::batteryStateDidChange)
+    {
+    }
     QString counts() const { return QStringLiteral("%1 %2").arg(level.count()).arg(state.count()); }
 };
 
 } // namespace
 
-class TestDevice : public QObject
-{
+class TestDevice : public QObject {
     Q_OBJECT
 
     PrivateBus bus;
@@ -56,7 +59,10 @@ class TestDevice : public QObject
 private Q_SLOTS:
     void initTestCase() { QVERIFY2(startUPower(), "no private bus with a mock UPower"); }
 
-    void sysfsBattery_data() { FixtureTree::addRows("device-sysfs.tsv", {"tree", "read", "change", "then", "signals"}); }
+    void sysfsBattery_data()
+    {
+        FixtureTree::addRows("device-sysfs.tsv", {"tree", "read", "change", "then", "signals"});
+    }
     void sysfsBattery()
     {
         QFETCH(QString, tree);
@@ -78,7 +84,8 @@ private Q_SLOTS:
             QVERIFY(QDir().rename(battery, root.path() + QStringLiteral("/unplugged")));
         for (const QString &assignment : change == u"remove" ? QStringList() : change.split(u';', Qt::SkipEmptyParts)) {
             QSaveFile file(battery + assignment.section(u'=', 0, 0)); // replaced whole, never seen half-written
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(assignment.section(u'=', 1).toUtf8() + '\n') > 0 && file.commit());
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(assignment.section(u'=', 1).toUtf8() + '\n') > 0
+                    && file.commit());
         }
         QTRY_COMPARE_WITH_TIMEOUT(figures(device), then, 5000);
         QCOMPARE(polled.counts(), signals);
@@ -113,8 +120,9 @@ private Q_SLOTS:
         Device device(bus.connection(), FixtureTree::path(QStringLiteral("power_supply/no-such-tree")));
         device.setBatteryMonitoringEnabled(true);
         bus.settle();
-        QVERIFY(bus.callMock(upowerPath, QStringLiteral("AddObject"), {displayPath, QStringLiteral("org.freedesktop.UPower.Device"),
-            properties("Type=2;State=1;Percentage=40.0;IsPresent=true"), QVariantList()}));
+        QVERIFY(bus.callMock(upowerPath, QStringLiteral("AddObject"),
+                             {displayPath, QStringLiteral("org.freedesktop.UPower.Device"),
+                              properties("Type=2;State=1;Percentage=40.0;IsPresent=true"), QVariantList()}));
         QVERIFY(setDisplayDevice(QStringLiteral("Percentage=44.0")));
         bus.settle();
         QCOMPARE(figures(device), QStringLiteral("0.44 Charging"));

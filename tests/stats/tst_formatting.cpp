@@ -25,7 +25,8 @@ private Q_SLOTS:
         QFETCH(QString, value);
         QFETCH(QString, decimals);
         QFETCH(QString, space);
-        const auto format = family == u"hz" ? &Formatting::hzToKiloMegaGigaWithHz : &Formatting::byteToKiloMegaGigaWithByte;
+        const auto format = family == u"hz" ? &Formatting::hzToKiloMegaGigaWithHz
+                                            : &Formatting::byteToKiloMegaGigaWithByte;
         QTEST(format(value.toDouble(), decimals.toInt(), space == u"1"), "expected");
     }
 

@@ -35,7 +35,8 @@ private Q_SLOTS:
         objects.clear();
         const auto add = [this](const QString &path, const QString &interface, const QVariantMap &properties) {
             objects << path;
-            return bus.callMock(kManagerPath, QStringLiteral("AddObject"), {path, kService + interface, properties, QVariantList()});
+            return bus.callMock(kManagerPath, QStringLiteral("AddObject"),
+                                {path, kService + interface, properties, QVariantList()});
         };
         const QStringList list = modems.split(u';', Qt::SkipEmptyParts);
         for (qsizetype i = 0; i < list.size(); ++i) {
@@ -43,13 +44,18 @@ private Q_SLOTS:
             const QString modem = kManagerPath + QStringLiteral("/Modem/%1").arg(i);
             const QString sim = f.size() > 2 ? kManagerPath + QStringLiteral("/SIM/%1").arg(i) : QStringLiteral("/");
             QVERIFY(add(modem, QStringLiteral(".Modem"), {{"Sim", QVariant::fromValue(QDBusObjectPath(sim))}}));
-            QVERIFY(bus.callMock(modem, QStringLiteral("AddProperties"),
-                                 {kService + ".Modem.Modem3gpp", QVariantMap{{"OperatorCode", f[0]}, {"OperatorName", f[1]}}}));
-            QVERIFY(f.size() < 3 || add(sim, QStringLiteral(".Sim"), {{"OperatorIdentifier", f[2]}, {"OperatorName", f[3]}}));
+            QVERIFY(bus.callMock(
+                modem, QStringLiteral("AddProperties"),
+                {kService + ".Modem.Modem3gpp", QVariantMap{{"OperatorCode", f[0]}, {"OperatorName", f[1]}}}));
+            QVERIFY(f.size() < 3
+                    || add(sim, QStringLiteral(".Sim"), {{"OperatorIdentifier", f[2]}, {"OperatorName", f[3]}}));
         }
         const std::optional<CarrierInfo> carrier = ModemManagerCarrier(bus.connection()).carrier();
         QCOMPARE(carrier ? QStringList({carrier->carrierName, carrier->mobileCountryCode, carrier->mobileNetworkCode,
-                                        carrier->isoCountryCode}).join(u'|') : QString(), expected);
+                                        carrier->isoCountryCode})
+                               .join(u'|')
+                         : QString(),
+                 expected);
         QVERIFY(!carrier || !carrier->allowsVOIP);
     }
 };

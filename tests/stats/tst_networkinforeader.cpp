@@ -56,15 +56,22 @@ private Q_SLOTS:
         QTest::addColumn<qint64>("flags"); // -1: derived from the route to the link-local network
         QTest::addColumn<Route>("route");
         QTest::addColumn<QString>("expected");
-        const auto via = [](const char *name) { return Route(RouteLookup::Route{true, 3, QString::fromLatin1(name), {}}); };
+        const auto via = [](const char *name) {
+            return Route(RouteLookup::Route{true, 3, QString::fromLatin1(name), {}});
+        };
         const char *neither = "Network Available=NO|Active WWAN=NO";
         QTest::newRow("reachable") << qint64(kReachable) << Route() << "Network Available=YES|Active WWAN=NO";
-        QTest::newRow("reachable + connection required") << qint64(kReachable | kConnectionRequired) << Route() << neither;
-        QTest::newRow("reachable + WWAN") << qint64(kReachable | kIsWWAN) << Route() << "Network Available=YES|Active WWAN=YES";
+        QTest::newRow("reachable + connection required")
+            << qint64(kReachable | kConnectionRequired) << Route() << neither;
+        QTest::newRow("reachable + WWAN")
+            << qint64(kReachable | kIsWWAN) << Route() << "Network Available=YES|Active WWAN=YES";
         QTest::newRow("WWAN bit without reachable") << qint64(kIsWWAN) << Route() << neither;
-        QTest::newRow("WWAN + reachable + connection required") << qint64(kReachable | kIsWWAN | kConnectionRequired) << Route() << neither;
-        QTest::newRow("route through Wi-Fi, up") << qint64(-1) << via("wlp3s0") << "Network Available=YES|Active WWAN=NO";
-        QTest::newRow("route through the wwan device") << qint64(-1) << via("wwan0") << "Network Available=YES|Active WWAN=YES";
+        QTest::newRow("WWAN + reachable + connection required")
+            << qint64(kReachable | kIsWWAN | kConnectionRequired) << Route() << neither;
+        QTest::newRow("route through Wi-Fi, up")
+            << qint64(-1) << via("wlp3s0") << "Network Available=YES|Active WWAN=NO";
+        QTest::newRow("route through the wwan device")
+            << qint64(-1) << via("wwan0") << "Network Available=YES|Active WWAN=YES";
         QTest::newRow("route through an interface that is down") << qint64(-1) << via("enp0s31f6") << neither;
         QTest::newRow("interface vanished after the look-up") << qint64(-1) << via("") << neither;
         QTest::newRow("interface not in sysfs any more") << qint64(-1) << via("usb0") << neither;
@@ -111,16 +118,18 @@ private Q_SLOTS:
         QTest::addColumn<Addresses>("addresses");
         QTest::addColumn<QString>("expected");
         const Address ipv6{QStringLiteral("wlp3s0"), AF_INET6, IFF_UP, QString()};
-        QTest::newRow("IPv6 entry skipped for the IPv4 one") << std::optional(AddressList{ipv6, ipv4("wlp3s0", "10.1.2.3")})
-                                                             << "Active WLAN=YES|Local WiFi IP=10.1.2.3|Local Cellular IP=";
-        QTest::newRow("loop-back flagged entry skipped")
-            << std::optional(AddressList{ipv4("wlp3s0", "127.0.0.2", IFF_UP | IFF_LOOPBACK), ipv4("wlp3s0", "10.1.2.4")})
-            << "Active WLAN=YES|Local WiFi IP=10.1.2.4";
-        QTest::newRow("only IPv6 and link-layer entries") << std::optional(AddressList{ipv6, {"wlp3s0", AF_PACKET, IFF_UP, ""}})
-                                                          << "Active WLAN=NO|Local WiFi IP=";
+        QTest::newRow("IPv6 entry skipped for the IPv4 one")
+            << std::optional(AddressList{ipv6, ipv4("wlp3s0", "10.1.2.3")})
+            << "Active WLAN=YES|Local WiFi IP=10.1.2.3|Local Cellular IP=";
+        QTest::newRow("loop-back flagged entry skipped") << std::optional(
+            AddressList{ipv4("wlp3s0", "127.0.0.2", IFF_UP | IFF_LOOPBACK), ipv4("wlp3s0", "10.1.2.4")})
+                                                         << "Active WLAN=YES|Local WiFi IP=10.1.2.4";
+        QTest::newRow("only IPv6 and link-layer entries")
+            << std::optional(AddressList{ipv6, {"wlp3s0", AF_PACKET, IFF_UP, ""}}) << "Active WLAN=NO|Local WiFi IP=";
         QTest::newRow("first IPv4 of each role wins")
-            << std::optional(AddressList{ipv4("eth0", "192.0.2.9"), ipv4("wwan0", "100.64.0.7"), ipv4("wlp3s0", "10.0.0.1"),
-                                         ipv4("wlp3s0", "10.0.0.2"), ipv4("wwan0", "100.64.0.8")})
+            << std::optional(AddressList{ipv4("eth0", "192.0.2.9"), ipv4("wwan0", "100.64.0.7"),
+                                         ipv4("wlp3s0", "10.0.0.1"), ipv4("wlp3s0", "10.0.0.2"),
+                                         ipv4("wwan0", "100.64.0.8")})
             << "Active WLAN=YES|Local WiFi IP=10.0.0.1|Local Cellular IP=100.64.0.7";
         QTest::newRow("interface list cannot be read") << Addresses() << "Active WLAN=NO|Local WiFi IP=";
     }
@@ -141,16 +150,37 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected");
         QTest::addColumn<QString>("warning");
         QTest::newRow("Wi-Fi, wired and modem: the radio's address, not the wired default route's")
-            << "net-laptop-wifi-and-wwan" << "wlp3s0" << "wwan0"
-            << "MAC Address=A4:C3:F0:85:1D:2E|Local WiFi IP=10.0.0.5|Local Cellular IP=100.64.0.9" << "";
+            << "net-laptop-wifi-and-wwan"
+            << "wlp3s0"
+            << "wwan0"
+            << "MAC Address=A4:C3:F0:85:1D:2E|Local WiFi IP=10.0.0.5|Local Cellular IP=100.64.0.9"
+            << "";
         QTest::newRow("wired only: no Wi-Fi, the MAC of the default route's interface")
-            << "net-wired-vm-no-wifi" << "" << "" << "MAC Address=02:FC:00:00:00:01|Active WLAN=NO|Local WiFi IP=" << "";
-        QTest::newRow("no radio and no default route") << "net-no-default-route" << "" << "" << "MAC Address=|Active WLAN=NO"
+            << "net-wired-vm-no-wifi"
+            << ""
+            << ""
+            << "MAC Address=02:FC:00:00:00:01|Active WLAN=NO|Local WiFi IP="
+            << "";
+        QTest::newRow("no radio and no default route") << "net-no-default-route"
+                                                       << ""
+                                                       << ""
+                                                       << "MAC Address=|Active WLAN=NO"
                                                        << "Error: if_nametoindex error";
-        QTest::newRow("phy80211 marks a radio, address file missing")
-            << "net-wifi-without-address-file" << "wlan0" << "" << "MAC Address=|Local WiFi IP=10.0.0.6" << "Error: sysctl, take 1";
-        QTest::newRow("no radio, 20-byte link address on the default route") << "net-infiniband-default-route" << "" << "" << "MAC Address=" << "Error: sysctl, take 2";
-        QTest::newRow("no sysfs at all") << "sys-empty-tree" << "" << "" << "MAC Address=|Local Cellular IP=" << "Error: if_nametoindex error";
+        QTest::newRow("phy80211 marks a radio, address file missing") << "net-wifi-without-address-file"
+                                                                      << "wlan0"
+                                                                      << ""
+                                                                      << "MAC Address=|Local WiFi IP=10.0.0.6"
+                                                                      << "Error: sysctl, take 1";
+        QTest::newRow("no radio, 20-byte link address on the default route") << "net-infiniband-default-route"
+                                                                             << ""
+                                                                             << ""
+                                                                             << "MAC Address="
+                                                                             << "Error: sysctl, take 2";
+        QTest::newRow("no sysfs at all") << "sys-empty-tree"
+                                         << ""
+                                         << ""
+                                         << "MAC Address=|Local Cellular IP="
+                                         << "Error: if_nametoindex error";
     }
     void interfaces()
     {
@@ -159,8 +189,8 @@ private Q_SLOTS:
         QFETCH(QString, warning);
         NetworkInfoReader::Seams seams = quietSeams();
         seams.interfaceAddresses = [] {
-            return Addresses(AddressList{ipv4("eth0", "192.0.2.10"), ipv4("wlp3s0", "10.0.0.5"), ipv4("wlan0", "10.0.0.6"),
-                                         ipv4("wwan0", "100.64.0.9")});
+            return Addresses(AddressList{ipv4("eth0", "192.0.2.10"), ipv4("wlp3s0", "10.0.0.5"),
+                                         ipv4("wlan0", "10.0.0.6"), ipv4("wwan0", "100.64.0.9")});
         };
         NetworkInfoReader reader(path(tree), seams);
         QTEST(reader.wifiInterfaceName(), "wifi");
@@ -178,7 +208,9 @@ private Q_SLOTS:
         QTest::addColumn<Carrier>("carrier");
         QTest::addColumn<QString>("expected");
         QTest::newRow("resolves: the name's address before the route's, no modem: empty carrier texts")
-            << "kovar" << "192.168.1.23" << "192.0.2.15" << Carrier()
+            << "kovar"
+            << "192.168.1.23"
+            << "192.0.2.15" << Carrier()
             << "Host Name=kovar.local|Local IP=192.168.1.23|Carrier Name=|MCC=|MNC=|Country Code=|Allows VOIP=NO";
         QTest::newRow("host name without mDNS: the route's source address, carrier with codes")
             << "kovar" << QString() << "192.0.2.15" << std::optional(CarrierInfo{"T-Mobile", "310", "260", "us", false})
@@ -186,7 +218,8 @@ private Q_SLOTS:
         QTest::newRow("no host name and no route, carrier allowing VOIP")
             << QString() << "10.0.0.1" << QString() << std::optional(CarrierInfo{"Orange", "208", "01", "fr", true})
             << "Host Name=|Local IP=|Carrier Name=Orange|MCC=208|MNC=01|Country Code=fr|Allows VOIP=YES";
-        QTest::newRow("carrier with null texts") << "kovar" << "10.0.0.1" << QString() << std::optional(CarrierInfo{})
+        QTest::newRow("carrier with null texts") << "kovar"
+                                                 << "10.0.0.1" << QString() << std::optional(CarrierInfo{})
                                                  << "Carrier Name=|MCC=|MNC=|Country Code=|Allows VOIP=NO";
     }
     void hostAndCarrier()
@@ -199,7 +232,9 @@ private Q_SLOTS:
         NetworkInfoReader::Seams seams = quietSeams();
         QStringList asked;
         int lookups = 0;
-        seams.linkLocalRoute = [&] { return source.isNull() ? Route() : Route(RouteLookup::Route{true, 2, QStringLiteral("eth0"), source}); };
+        seams.linkLocalRoute = [&] {
+            return source.isNull() ? Route() : Route(RouteLookup::Route{true, 2, QStringLiteral("eth0"), source});
+        };
         seams.hostName = [&]() -> std::optional<QString> { return host.isNull() ? std::nullopt : std::optional(host); };
         seams.resolveIPv4 = [&](const QString &name) {
             asked.append(name);
@@ -210,7 +245,8 @@ private Q_SLOTS:
             return carrier;
         };
         QTest::failOnWarning(QRegularExpression(QStringLiteral("^resolv"))); // an ordinary case, not an error
-        const InfoDictionary info = NetworkInfoReader(path(QStringLiteral("net-wired-vm-no-wifi")), seams).networkInfo();
+        const InfoDictionary info =
+            NetworkInfoReader(path(QStringLiteral("net-wired-vm-no-wifi")), seams).networkInfo();
         QCOMPARE(rowsLike(info, expected), expected);
         QCOMPARE(asked, host.isNull() ? QStringList() : QStringList{host + QStringLiteral(".local")}); // the name shown
         QCOMPARE(lookups, 1); // one look-up serves all five carrier rows
@@ -219,7 +255,8 @@ private Q_SLOTS:
     void sectionsAndRowOrder()
     {
         QTest::ignoreMessage(QtWarningMsg, "Error: if_nametoindex error");
-        const InfoDictionary info = NetworkInfoReader(path(QStringLiteral("sys-empty-tree")), quietSeams()).networkInfo();
+        const InfoDictionary info =
+            NetworkInfoReader(path(QStringLiteral("sys-empty-tree")), quietSeams()).networkInfo();
         QCOMPARE(tableLines(info), tableLines("network-info.tsv", QStringLiteral("nothing configured")));
     }
 
@@ -242,14 +279,18 @@ private Q_SLOTS:
         const auto exact = std::make_unique<char[]>(std::size_t(bytes.size()));
         std::memcpy(exact.get(), bytes.constData(), std::size_t(bytes.size()));
         const Route route = RouteLookup::parseAnswer(exact.get(), std::size_t(bytes.size()), sequence.toUInt());
-        QTEST(!route ? QStringLiteral("-") : route->exists ? QString::number(route->interfaceIndex) + u' ' + route->preferredSource : QStringLiteral("no route"),
+        QTEST(!route              ? QStringLiteral("-")
+                  : route->exists ? QString::number(route->interfaceIndex) + u' ' + route->preferredSource
+                                  : QStringLiteral("no route"),
               "answer");
     }
 
     void thisMachine()
     {
         // The kernel's own answers, the same on every machine and without any traffic.
-        if ((SysfsText::firstLine(QStringLiteral("/"), QStringLiteral("sys/class/net/lo/flags")).toUInt(nullptr, 16) & IFF_UP) == 0)
+        if ((SysfsText::firstLine(QStringLiteral("/"), QStringLiteral("sys/class/net/lo/flags")).toUInt(nullptr, 16)
+             & IFF_UP)
+            == 0)
             QSKIP("the loop-back interface is down in this network namespace");
         const Route route = RouteLookup::lookupIPv4(0x7F000001u);
         if (!route)
@@ -273,19 +314,25 @@ private Q_SLOTS:
         const QByteArray address = "203.0.113.7\n" + QByteArray(1024 - 12, ' '); // exactly the default 1 KiB cap
         _server.routeReply("/address", address);
         _server.routeReply("/non-ascii", "203.0.113.7 \xC3\xA9t\xC3\xA9");
-        QTest::newRow("body of exactly 1 KiB") << _server.url("/address").toString() << 3000 << QString::fromLatin1(address);
-        QTest::newRow("non-ASCII body") << _server.url("/non-ascii").toString() << 3000 << "The response is not ASCII text.";
+        QTest::newRow("body of exactly 1 KiB")
+            << _server.url("/address").toString() << 3000 << QString::fromLatin1(address);
+        QTest::newRow("non-ASCII body") << _server.url("/non-ascii").toString() << 3000
+                                        << "The response is not ASCII text.";
         QTest::newRow("no endpoint configured") << "" << 3000 << "No external address endpoint is configured";
-        QTest::newRow("https, not plain HTTP") << "https://127.0.0.1:1/" << 3000 << "The external address endpoint is not a plain HTTP address";
-        QTest::newRow("no host") << "http:///path" << 3000 << "The external address endpoint is not a plain HTTP address";
+        QTest::newRow("https, not plain HTTP")
+            << "https://127.0.0.1:1/" << 3000 << "The external address endpoint is not a plain HTTP address";
+        QTest::newRow("no host") << "http:///path" << 3000
+                                 << "The external address endpoint is not a plain HTTP address";
         // The announced length alone ends nothing here: the body is read, up to the cap, until the deadline.
         const QString timedOut = QStringLiteral("The request timed out.");
-        const QString expected[] = {timedOut, QStringLiteral("The response is too large to be an address."), timedOut, {}, {}};
+        const QString expected[] = {
+            timedOut, QStringLiteral("The response is too large to be an address."), timedOut, {}, {}};
         for (const HostileServer &hostile : HostileServer::all()) {
             const QByteArray path = "/address/" + QByteArray(hostile.name).replace(' ', '-');
             _server.route(path, hostile.serving(address));
-            QTest::newRow(qPrintable(QStringLiteral("server %1").arg(hostile.name))) << _server.url(path).toString()
-                                                                                     << (expected[hostile.refusal] == timedOut ? 80 : 3000) << expected[hostile.refusal];
+            QTest::newRow(qPrintable(QStringLiteral("server %1").arg(hostile.name)))
+                << _server.url(path).toString() << (expected[hostile.refusal] == timedOut ? 80 : 3000)
+                << expected[hostile.refusal];
         }
     }
     void externalAddress()

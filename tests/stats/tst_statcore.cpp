@@ -103,7 +103,8 @@ private Q_SLOTS:
 
     void diskUsage()
     {
-        const DiskUsageData disk = StatCore(path(QStringLiteral("proc-x86-laptop")), QDir::tempPath(), 4096).diskUsage();
+        const DiskUsageData disk =
+            StatCore(path(QStringLiteral("proc-x86-laptop")), QDir::tempPath(), 4096).diskUsage();
         struct statvfs fs;
         QCOMPARE(::statvfs(QFile::encodeName(QDir::tempPath()).constData(), &fs), 0);
         QCOMPARE(disk.totalSize, double(fs.f_frsize) * double(fs.f_blocks));
@@ -122,7 +123,8 @@ private Q_SLOTS:
             << "proc-x86-laptop";
         QTest::newRow("phone: negative irq priority, seven-digit pid") << "proc-arm64-phone";
         QTest::newRow("damaged: sound stat kept, process gone before open, no boot time") << "proc-x86-damaged";
-        QTest::newRow("boot time at the end of time: no start time, no overflow") << "proc-boot-time-at-the-end-of-time";
+        QTest::newRow("boot time at the end of time: no start time, no overflow")
+            << "proc-boot-time-at-the-end-of-time";
         QTest::newRow("container without a process is nil") << "proc-container-empty";
         QTest::newRow("no proc directory is nil") << "does-not-exist";
     }

@@ -27,8 +27,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("battery");
         QTest::addColumn<QByteArray>("json");
-        QTest::newRow("a laptop on battery") << "power_supply/laptop-discharging"
-                                             << QByteArray(R"({"level":0.57,"state":"unplugged"})");
+        QTest::newRow("a laptop on battery")
+            << "power_supply/laptop-discharging" << QByteArray(R"({"level":0.57,"state":"unplugged"})");
         QTest::newRow("no battery at all") << "-" << QByteArray(R"({"level":null,"state":"unknown"})");
     }
     void snapshotGathersEveryFigure()
@@ -44,12 +44,13 @@ private Q_SLOTS:
         if (battery != u"-")
             device.emplace(path(battery));
         const QDateTime before = QDateTime::currentDateTimeUtc().addMSecs(-1);
-        const QJsonObject snapshot =
-            QJsonDocument::fromJson(StatSnapshot::toJson(StatSnapshot::capture(core, device ? &*device : nullptr,
-                                                                               std::chrono::milliseconds(20))))
-                .object();
-        QCOMPARE(snapshot.keys(), (QStringList{"battery", "cpuInterval", "cpuUsage", "diskUsage", "memoryUsage",
-                                               "networkInfo", "runningProcesses", "systemInfo", "timestamp"}));
+        const QJsonObject snapshot = QJsonDocument::fromJson(
+                                         StatSnapshot::toJson(StatSnapshot::capture(core, device ? &*device : nullptr,
+                                                                                    std::chrono::milliseconds(20))))
+                                         .object();
+        QCOMPARE(snapshot.keys(),
+                 (QStringList{"battery", "cpuInterval", "cpuUsage", "diskUsage", "memoryUsage", "networkInfo",
+                              "runningProcesses", "systemInfo", "timestamp"}));
         // RFC 3339 in UTC, taken now.
         const QString timestamp = snapshot["timestamp"].toString();
         QVERIFY2(timestamp.endsWith(u'Z'), qPrintable(timestamp));
@@ -63,7 +64,9 @@ private Q_SLOTS:
         QVERIFY(snapshot["memoryUsage"] == StatSnapshot::memoryUsageJson(core.memoryUsage()));
         // Beside the texts, the figures as numbers: systemd started 1,200 ticks after the boot.
         const QJsonObject first = snapshot["runningProcesses"][0].toObject();
-        QCOMPARE(compact(QJsonObject{{"pid", first["pid"]}, {"priority", first["priority"]}, {"startedAt", first["startedAt"]},
+        QCOMPARE(compact(QJsonObject{{"pid", first["pid"]},
+                                     {"priority", first["priority"]},
+                                     {"startedAt", first["startedAt"]},
                                      {"PID", first["PID"]}}),
                  QByteArray(R"({"PID":"1","pid":1,"priority":20,"startedAt":1700000012})"));
         QCOMPARE(snapshot["runningProcesses"].toArray().size(), 8);
@@ -72,7 +75,8 @@ private Q_SLOTS:
         QVERIFY(std::any_of(common.begin(), common.end(), [](const QJsonValue &row) { return row["Value"].isNull(); }));
         for (const QJsonValue &section : snapshot["networkInfo"].toObject())
             for (const QJsonValue &row : section.toArray())
-                QVERIFY2(row["Value"].isNull() || !row["Value"].toString().isEmpty(), qPrintable(row["Key"].toString()));
+                QVERIFY2(row["Value"].isNull() || !row["Value"].toString().isEmpty(),
+                         qPrintable(row["Key"].toString()));
         QVERIFY(snapshot["systemInfo"] == core.systemInfo().toJson());
     }
 };

@@ -17,8 +17,10 @@ private Q_SLOTS:
         QFETCH(QString, start);
         QFETCH(QString, drag); // "pixels/ms" or "pixels/ms+held ms"
         QFETCH(QString, target);
-        const qreal width = pages == u"2" ? 384 : 320, from = start.toInt() * width, pixels = drag.section(u'/', 0, 0).toDouble();
-        const qint64 ms = drag.section(u'/', 1).section(u'+', 0, 0).toLongLong(), held = drag.section(u'+', 1).toLongLong();
+        const qreal width = pages == u"2" ? 384 : 320, from = start.toInt() * width,
+                    pixels = drag.section(u'/', 0, 0).toDouble();
+        const qint64 ms = drag.section(u'/', 1).section(u'+', 0, 0).toLongLong(),
+                     held = drag.section(u'+', 1).toLongLong();
         QList<PagingScrollView::DragSample> trail;
         for (int move = 0; move <= 5; ++move)
             trail.append({ms * move / 5, from + pixels * move / 5});

@@ -11,8 +11,7 @@
 #include <QPainterPath>
 #include <QtTest>
 
-class TestPaintHelpers : public QObject
-{
+class TestPaintHelpers : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -23,11 +22,14 @@ private Q_SLOTS:
         QTest::addColumn<QPointF>("probe");
         QTest::addColumn<QColor>("expected");
         // A white square 20.5 x 20.5 at (10, 10) filled with its shadow offset (4, 4).
-        QTest::newRow("hard shadow: black at one third, 4 down and right") << 1.0 << 0.0 << QPointF(31, 31) << QColor(0, 0, 0, 85);
+        QTest::newRow("hard shadow: black at one third, 4 down and right")
+            << 1.0 << 0.0 << QPointF(31, 31) << QColor(0, 0, 0, 85);
         QTest::newRow("hard shadow ends 4 past the shape") << 1.0 << 0.0 << QPointF(35, 31) << QColor(0, 0, 0, 0);
         QTest::newRow("the shape lies over its own shadow") << 1.0 << 0.0 << QPointF(20, 20) << QColor(Qt::white);
-        QTest::newRow("2x: the offset is in points, not pixels") << 2.0 << 0.0 << QPointF(33.25, 31) << QColor(0, 0, 0, 85);
-        QTest::newRow("2x: an edge between two device pixels stays crisp") << 2.0 << 0.0 << QPointF(33.75, 31) << QColor(0, 0, 0, 85);
+        QTest::newRow("2x: the offset is in points, not pixels")
+            << 2.0 << 0.0 << QPointF(33.25, 31) << QColor(0, 0, 0, 85);
+        QTest::newRow("2x: an edge between two device pixels stays crisp")
+            << 2.0 << 0.0 << QPointF(33.75, 31) << QColor(0, 0, 0, 85);
         QTest::newRow("blur 4: 2 points inside the edge") << 1.0 << 4.0 << QPointF(32, 25) << QColor(0, 0, 0, 71);
         QTest::newRow("blur 4: 2 points beyond the edge") << 1.0 << 4.0 << QPointF(36, 25) << QColor(0, 0, 0, 12);
         QTest::newRow("blur 4 at 2x: as soft in points") << 2.0 << 4.0 << QPointF(36, 25) << QColor(0, 0, 0, 12);
@@ -79,11 +81,12 @@ private Q_SLOTS:
         const QFontInfo label(FontTable::font("CourierNewPS-BoldMT", 13.0));
         QVERIFY(label.fixedPitch() && label.bold() && label.pixelSize() == 13);
         // fontconfig may add the foundry: "Liberation Mono [1ASC]".
-        QVERIFY2(FontTable::families("CourierNewPS-BoldMT").contains(label.family().section(" [", 0, 0)), qPrintable(label.family()));
+        QVERIFY2(FontTable::families("CourierNewPS-BoldMT").contains(label.family().section(" [", 0, 0)),
+                 qPrintable(label.family()));
         QCOMPARE(FontTable::font("NoSuchFont", 15.0).families(), QGuiApplication::font().families());
         // 65-wide page cells with a 1.5 border and rounded ends leave about 60.
         const QFontMetricsF metrics(FontTable::font("TrebuchetMS-Bold", 12.0));
-        for (const char *title : { "Summary", "Network", "System" })
+        for (const char *title : {"Summary", "Network", "System"})
             QVERIFY2(metrics.horizontalAdvance(QLatin1String(title)) <= 60.0, title);
     }
 

@@ -20,15 +20,14 @@ namespace {
 
 constexpr int Scale = 2;
 
-struct Rgb
-{
+struct Rgb {
     double r, g, b;
 };
 
 Rgb mix(const Rgb &a, const Rgb &b, double t)
 {
     t = std::clamp(t, 0.0, 1.0);
-    return { a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t };
+    return {a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t};
 }
 
 double smoothstep(double edge0, double edge1, double x)
@@ -41,7 +40,7 @@ double smoothstep(double edge0, double edge1, double x)
 // and unlike noise it keeps the PNGs small.
 double bayer(int x, int y)
 {
-    static const int matrix[4][4] = { { 0, 8, 2, 10 }, { 12, 4, 14, 6 }, { 3, 11, 1, 9 }, { 15, 7, 13, 5 } };
+    static const int matrix[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
     return (matrix[y & 3][x & 3] + 0.5) / 16.0 - 0.5;
 }
 
@@ -58,10 +57,10 @@ QImage background(int logicalWidth, int logicalHeight)
     const int w = logicalWidth * Scale;
     const int h = logicalHeight * Scale;
     QImage image(w, h, QImage::Format_RGB32);
-    const Rgb top { 0.118, 0.149, 0.196 };
-    const Rgb middle { 0.063, 0.078, 0.106 };
-    const Rgb bottom { 0.027, 0.031, 0.043 };
-    const Rgb glow { 0.200, 0.262, 0.345 };
+    const Rgb top{0.118, 0.149, 0.196};
+    const Rgb middle{0.063, 0.078, 0.106};
+    const Rgb bottom{0.027, 0.031, 0.043};
+    const Rgb glow{0.200, 0.262, 0.345};
     const double aspect = double(w) / double(h);
     for (int y = 0; y < h; ++y) {
         QRgb *line = reinterpret_cast<QRgb *>(image.scanLine(y));
@@ -78,7 +77,7 @@ QImage background(int logicalWidth, int logicalHeight)
             const double vx = (u - 0.5) * 2.0;
             const double vy = (v - 0.5) * 2.0;
             const double vignette = smoothstep(0.6, 1.6, std::sqrt(vx * vx + vy * vy));
-            c = mix(c, Rgb { 0.0, 0.0, 0.0 }, 0.45 * vignette);
+            c = mix(c, Rgb{0.0, 0.0, 0.0}, 0.45 * vignette);
             line[x] = qRgb(quantize(c.r, x, y), quantize(c.g, x, y), quantize(c.b, x, y));
         }
     }
@@ -135,8 +134,8 @@ QImage stateBarGlass()
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath capsule;
-    capsule.addRoundedRect(QRectF(inset, inset, barWidth - 2.0 * inset, barHeight - 2.0 * inset),
-                           radius - inset, radius - inset);
+    capsule.addRoundedRect(QRectF(inset, inset, barWidth - 2.0 * inset, barHeight - 2.0 * inset), radius - inset,
+                           radius - inset);
     QPainterPath upperHalf;
     upperHalf.addRect(QRectF(0.0, 0.0, w, inset + (barHeight - 2.0 * inset) * 0.5));
     QLinearGradient gradient(0.0, inset, 0.0, barHeight * 0.5 + 1.0);
