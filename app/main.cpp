@@ -75,6 +75,11 @@ int main(int argc, char *argv[])
         }
         // Scripts and tests that asked for port 0 learn the port from this line.
         std::printf("kovar: serving metrics at http://%s/metrics\n", qPrintable(server.target()));
+        if (!QHostAddress(options.metricsAddress).isLoopback())
+            std::fprintf(stderr,
+                         "kovar: warning: without TLS or a password, the figures at http://%s/metrics are readable by "
+                         "anyone who can reach that port\n",
+                         qPrintable(server.target()));
         std::fflush(stdout);
         const TerminationSignals endOnSignal;
         return app.exec();

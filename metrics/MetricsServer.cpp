@@ -1,25 +1,36 @@
 #include "MetricsServer.h"
 
 #include "Device.h"
-#include "MetricsListener.h"
 #include "StatCore.h"
 
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
-#include <QTcpSocket>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <microhttpd.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
 
 namespace {
 
 constexpr qint64 cacheMs = 500;
 // The device's names change with a rename at most; reading them is most of a sample's cost.
 constexpr qint64 deviceInfoMs = 60'000;
+// libmicrohttpd's own ceiling, far above ours: ours closes the oldest idle one instead of
+// turning the newcomer away.
+constexpr unsigned acceptLimit = 512;
+// The request line and headers together; libmicrohttpd's own buffer (half of a connection's
+// memory) is the hard limit behind this one.
+constexpr qint64 headerBytes = 16 * 1024;
 
-using Status = QHttpServerResponder::StatusCode;
-
-const QByteArray indexPage = QByteArrayLiteral(
+const char indexPage[] =
     "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>KOVAR metrics</title></head>\n"
     "<body><h1>KOVAR metrics</h1><p>The figures of this device for Prometheus: <a href=\"/metrics\">/metrics</a></p>"
-    "</body></html>\n");
+    "</body></html>\n";
 
 MetricsExposition::BatteryState batteryState(Device::BatteryState state)
 {
@@ -36,93 +47,305 @@ MetricsExposition::BatteryState batteryState(Device::BatteryState state)
     return MetricsExposition::BatteryState::Unknown;
 }
 
+MHD_Response *textResponse(const char *text, const char *type = "text/plain; charset=utf-8")
+{
+    MHD_Response *response = MHD_create_response_from_buffer(std::strlen(text), const_cast<char *>(text),
+                                                             MHD_RESPMEM_PERSISTENT);
+    MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, type);
+    return response;
+}
+
+bool queue(MHD_Connection *connection, unsigned status, MHD_Response *response, bool close = false)
+{
+    if (close)
+        MHD_add_response_header(response, MHD_HTTP_HEADER_CONNECTION, "close");
+    const bool queued = MHD_queue_response(connection, status, response) == MHD_YES;
+    MHD_destroy_response(response); // the connection keeps its own reference
+    return queued;
+}
+
+// What the request's headers hold, as far as the checks below need.
+struct HeaderFacts {
+    qint64 bytes = 0;
+    int contentLengths = 0;
+    bool lengthsDisagree = false;
+    QByteArray contentLength;
+    bool host = false;
+
+    static MHD_Result add(void *facts, MHD_ValueKind, const char *key, const char *value)
+    {
+        auto *self = static_cast<HeaderFacts *>(facts);
+        const QByteArray name(key);
+        self->bytes += name.size() + qint64(value ? std::strlen(value) : 0) + 4; // ": " and CRLF
+        if (name.compare("Content-Length", Qt::CaseInsensitive) == 0) {
+            self->lengthsDisagree |= ++self->contentLengths > 1 && self->contentLength != value;
+            self->contentLength = value;
+        }
+        self->host |= name.compare("Host", Qt::CaseInsensitive) == 0;
+        return MHD_YES;
+    }
+};
+
+// A request refused with status and closed: what RFC 9112 asks of a server that will not
+// read on in a request it cannot make sense of.
+MHD_Result refuse(MHD_Connection *connection, unsigned status, const char *why)
+{
+    return queue(connection, status, textResponse(why), true) ? MHD_YES : MHD_NO;
+}
+
 } // namespace
 
+struct MetricsServer::Connection {
+    enum Phase { Waiting, Answering, Idle };
+    int fd = -1;
+    qint64 since = 0; // when the request it waits for began: the connection, or its first line
+    Phase phase = Waiting;
+    bool answeredBefore = false;
+    bool headersSeen = false;
+    bool ending = false; // cut, and not yet closed by libmicrohttpd
+    qint64 bodyBytes = 0;
+
+    // Ends the connection from our side; libmicrohttpd sees it end and cleans up.
+    void cut()
+    {
+        ::shutdown(fd, SHUT_RDWR);
+        ending = true;
+    }
+};
+
+struct MetricsServer::Callbacks {
+    static MHD_Result answer(void *server, MHD_Connection *connection, const char *url, const char *method,
+                             const char *version, const char *, size_t *uploadSize, void **request)
+    {
+        auto *self = static_cast<MetricsServer *>(server);
+        auto *state = static_cast<Connection *>(*request);
+        if (!state->headersSeen) {
+            state->headersSeen = true;
+            state->phase = Connection::Answering;
+            HeaderFacts headers;
+            MHD_get_connection_values(connection, MHD_HEADER_KIND, &HeaderFacts::add, &headers);
+            if (headers.bytes + qint64(std::strlen(url)) > headerBytes)
+                return refuse(connection, MHD_HTTP_REQUEST_HEADER_FIELDS_TOO_LARGE,
+                              "The request's headers are too large.\n");
+            if (std::strcmp(version, MHD_HTTP_VERSION_1_1) == 0 && !headers.host)
+                return refuse(connection, MHD_HTTP_BAD_REQUEST, "An HTTP/1.1 request names its Host.\n");
+            if (headers.lengthsDisagree)
+                return refuse(connection, MHD_HTTP_BAD_REQUEST, "The request's Content-Lengths disagree.\n");
+            // A GET or HEAD with a body announced past the limit is refused before it is read.
+            if (headers.contentLengths > 0 && headers.contentLength.toLongLong() > self->_limits.bodyBytes)
+                return refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, "The request's body is too large.\n");
+            return MHD_YES; // the body, if any, and then the answer
+        }
+        if (*uploadSize > 0) {
+            state->bodyBytes += qint64(*uploadSize);
+            *uploadSize = 0;
+            if (state->bodyBytes > self->_limits.bodyBytes)
+                return refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, "The request's body is too large.\n");
+            return MHD_YES;
+        }
+        return self->respond(connection, state, url, method) ? MHD_YES : MHD_NO;
+    }
+
+    static void *requestLine(void *server, const char *, MHD_Connection *connection)
+    {
+        auto *self = static_cast<MetricsServer *>(server);
+        const MHD_ConnectionInfo *info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
+        auto *state = static_cast<Connection *>(info->socket_context);
+        // The first request's time runs from the connection; a later one's from its first line.
+        if (state->answeredBefore)
+            state->since = self->_clock.elapsed();
+        state->phase = Connection::Waiting;
+        state->headersSeen = false;
+        state->bodyBytes = 0;
+        return state;
+    }
+
+    static void requestDone(void *, MHD_Connection *, void **request, MHD_RequestTerminationCode)
+    {
+        if (auto *state = static_cast<Connection *>(*request)) {
+            state->phase = Connection::Idle;
+            state->answeredBefore = true;
+        }
+    }
+
+    static void connectionChanged(void *server, MHD_Connection *connection, void **context,
+                                  MHD_ConnectionNotificationCode change)
+    {
+        auto *self = static_cast<MetricsServer *>(server);
+        if (change == MHD_CONNECTION_NOTIFY_STARTED) {
+            auto *state = new Connection;
+            state->fd = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
+            state->since = self->_clock.elapsed();
+            *context = state;
+            self->opened(state);
+        } else if (auto *state = static_cast<Connection *>(*context)) {
+            self->_connections.removeOne(state);
+            delete state;
+            *context = nullptr;
+        }
+    }
+};
+
 MetricsServer::MetricsServer(StatCore &core, Device *device, QObject *parent)
-    : QAbstractHttpServer(parent)
+    : QObject(parent)
     , _core(core)
     , _device(device)
 {
     if (_device)
         _device->setBatteryMonitoringEnabled(true);
+    _clock.start();
 }
 
-MetricsServer::~MetricsServer() = default;
-
-bool MetricsServer::start(const QHostAddress &address, quint16 port, const MetricsListener::Limits &limits)
+MetricsServer::~MetricsServer()
 {
-    auto *listener = new MetricsListener(limits, this);
-    if (!listener->listen(address, port)) {
-        _error = listener->errorString();
-        delete listener;
+    if (_daemon)
+        MHD_stop_daemon(_daemon); // closes every connection, each one through connectionChanged
+    for (CachedBody &cached : _cache) {
+        if (cached.response)
+            MHD_destroy_response(cached.response);
+    }
+}
+
+bool MetricsServer::start(const QHostAddress &address, quint16 port)
+{
+    return start(address, port, Limits());
+}
+
+bool MetricsServer::start(const QHostAddress &address, quint16 port, const Limits &limits)
+{
+    _limits = limits;
+    sockaddr_storage socketAddress{};
+    unsigned flags = MHD_USE_EPOLL;
+    if (address.protocol() == QAbstractSocket::IPv6Protocol) {
+        auto *in6 = reinterpret_cast<sockaddr_in6 *>(&socketAddress);
+        in6->sin6_family = AF_INET6;
+        in6->sin6_port = htons(port);
+        const Q_IPV6ADDR bytes = address.toIPv6Address();
+        std::memcpy(&in6->sin6_addr, bytes.c, sizeof bytes.c);
+        flags |= MHD_USE_IPv6;
+    } else if (address.protocol() == QAbstractSocket::IPv4Protocol) {
+        auto *in4 = reinterpret_cast<sockaddr_in *>(&socketAddress);
+        in4->sin_family = AF_INET;
+        in4->sin_port = htons(port);
+        in4->sin_addr.s_addr = htonl(address.toIPv4Address());
+    } else {
+        _error = QStringLiteral("not an IPv4 or IPv6 address");
         return false;
     }
-    _listener = listener;
-    bind(listener);
+    _daemon = MHD_start_daemon(flags, port, nullptr, nullptr, &Callbacks::answer, this, MHD_OPTION_SOCK_ADDR,
+                               &socketAddress, MHD_OPTION_CONNECTION_LIMIT, acceptLimit, MHD_OPTION_CONNECTION_TIMEOUT,
+                               limits.idleSeconds, MHD_OPTION_CONNECTION_MEMORY_LIMIT, limits.connectionBytes,
+                               MHD_OPTION_URI_LOG_CALLBACK, &Callbacks::requestLine, this, MHD_OPTION_NOTIFY_COMPLETED,
+                               &Callbacks::requestDone, this, MHD_OPTION_NOTIFY_CONNECTION,
+                               &Callbacks::connectionChanged, this, MHD_OPTION_END);
+    if (!_daemon) {
+        _error = QString::fromLocal8Bit(std::strerror(errno ? errno : EADDRNOTAVAIL));
+        return false;
+    }
+    _address = address;
+    _port = MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_BIND_PORT)->port;
+    _listenFd = MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_LISTEN_FD)->listen_fd;
+
+    _events = new QSocketNotifier(MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd,
+                                  QSocketNotifier::Read, this);
+    connect(_events, &QSocketNotifier::activated, this, &MetricsServer::run);
+    _due = new QTimer(this);
+    _due->setSingleShot(true);
+    connect(_due, &QTimer::timeout, this, &MetricsServer::run);
+    _sweep = new QTimer(this);
+    connect(_sweep, &QTimer::timeout, this, &MetricsServer::sweep);
+    _sweep->start(limits.sweepMs);
+    run();
     return true;
 }
 
 QString MetricsServer::target() const
 {
-    if (!_listener)
-        return {};
-    const QHostAddress address = _listener->serverAddress();
-    const QString host = address.protocol() == QAbstractSocket::IPv6Protocol
-        ? QLatin1Char('[') + address.toString() + QLatin1Char(']')
-        : address.toString();
-    return host + QLatin1Char(':') + QString::number(_listener->serverPort());
+    const QString host = _address.protocol() == QAbstractSocket::IPv6Protocol
+        ? QLatin1Char('[') + _address.toString() + QLatin1Char(']')
+        : _address.toString();
+    return host + QLatin1Char(':') + QString::number(_port);
 }
 
-bool MetricsServer::handleRequest(const QHttpServerRequest &request, QTcpSocket *socket)
+void MetricsServer::run()
 {
-    QHttpServerResponder responder = makeResponder(request, socket);
-    const QHttpServerRequest::Method method = request.method();
-    if (method != QHttpServerRequest::Method::Get && method != QHttpServerRequest::Method::Head) {
-        responder.write(QByteArrayLiteral("Only GET and HEAD are served here.\n"),
-                        {{"Content-Type", "text/plain; charset=utf-8"}, {"Allow", "GET, HEAD"}},
-                        Status::MethodNotAllowed);
-        return true;
+    MHD_run(_daemon);
+    // It accepts a few connections a turn, and hears of a crowd waiting to be accepted only
+    // once: while one waits, run again at once.
+    pollfd listening{_listenFd, POLLIN, 0};
+    if (::poll(&listening, 1, 0) > 0) {
+        _due->start(0);
+        return;
     }
-
-    const QString path = request.url().path();
-    QByteArray type = QByteArrayLiteral("text/html; charset=utf-8");
-    QByteArray body;
-    if (path == QLatin1String("/metrics")) {
-        const MetricsExposition::Format format = MetricsExposition::negotiate(request.value("Accept"));
-        type = MetricsExposition::contentType(format);
-        body = metrics(format);
-    } else if (path == QLatin1String("/") || path.isEmpty()) {
-        body = indexPage;
-    } else {
-        responder.write(QByteArrayLiteral("Not found: the figures are at /metrics.\n"), "text/plain; charset=utf-8",
-                        Status::NotFound);
-        return true;
-    }
-
-    if (method == QHttpServerRequest::Method::Head) {
-        // The headers of the GET, the body's length included, and no body.
-        responder.writeStatusLine(Status::Ok);
-        responder.writeHeaders({{"Content-Type", type},
-                                {"Cache-Control", "no-store"},
-                                {"Content-Length", QByteArray::number(body.size())}});
-        responder.writeBody(QByteArray());
-        return true;
-    }
-    responder.write(body, {{"Content-Type", type}, {"Cache-Control", "no-store"}}, Status::Ok);
-    return true;
+    // Data it holds already (a pipelined request) or a connection's time-out: run again then.
+    MHD_UNSIGNED_LONG_LONG due = 0;
+    if (MHD_get_timeout(_daemon, &due) == MHD_YES)
+        _due->start(int(std::min<MHD_UNSIGNED_LONG_LONG>(due, INT_MAX)));
+    else
+        _due->stop();
 }
 
-// Never called: handleRequest answers every request, unknown paths included.
-void MetricsServer::missingHandler(const QHttpServerRequest &request, QTcpSocket *socket)
+void MetricsServer::opened(Connection *connection)
 {
-    makeResponder(request, socket).write(Status::NotFound);
+    _connections.append(connection);
+    const auto open = std::count_if(_connections.cbegin(), _connections.cend(),
+                                    [](const Connection *candidate) { return !candidate->ending; });
+    if (open <= _limits.maxConnections)
+        return;
+    // One too many: the one that has waited longest for a request to come whole goes, else
+    // the longest idle. A connection whose request has come is being answered and stays.
+    const auto oldest = [this](Connection::Phase phase) {
+        Connection *found = nullptr;
+        for (Connection *candidate : std::as_const(_connections)) {
+            if (!candidate->ending && candidate->phase == phase && (!found || candidate->since < found->since))
+                found = candidate;
+        }
+        return found;
+    };
+    Connection *victim = oldest(Connection::Waiting);
+    if (!victim)
+        victim = oldest(Connection::Idle);
+    (victim ? victim : connection)->cut();
 }
 
-const QByteArray &MetricsServer::metrics(MetricsExposition::Format format)
+void MetricsServer::sweep()
+{
+    const qint64 now = _clock.elapsed();
+    for (Connection *connection : std::as_const(_connections)) {
+        if (!connection->ending && connection->phase == Connection::Waiting
+            && now - connection->since > _limits.requestMs)
+            connection->cut();
+    }
+    run();
+}
+
+bool MetricsServer::respond(MHD_Connection *connection, Connection *, const char *url, const char *method)
+{
+    const bool get = std::strcmp(method, MHD_HTTP_METHOD_GET) == 0;
+    if (!get && std::strcmp(method, MHD_HTTP_METHOD_HEAD) != 0) {
+        MHD_Response *response = textResponse("Only GET and HEAD are served here.\n");
+        MHD_add_response_header(response, MHD_HTTP_HEADER_ALLOW, "GET, HEAD");
+        return queue(connection, MHD_HTTP_METHOD_NOT_ALLOWED, response);
+    }
+    // HEAD gets the GET's headers, its length included, and no body: libmicrohttpd leaves it out.
+    if (std::strcmp(url, "/metrics") == 0) {
+        const char *accept = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_ACCEPT);
+        MHD_Response *response = metrics(MetricsExposition::negotiate(QByteArray(accept)));
+        return MHD_queue_response(connection, MHD_HTTP_OK, response) == MHD_YES;
+    }
+    if (std::strcmp(url, "/") == 0) {
+        MHD_Response *response = textResponse(indexPage, "text/html; charset=utf-8");
+        MHD_add_response_header(response, MHD_HTTP_HEADER_CACHE_CONTROL, "no-store");
+        return queue(connection, MHD_HTTP_OK, response);
+    }
+    return queue(connection, MHD_HTTP_NOT_FOUND, textResponse("Not found: the figures are at /metrics.\n"));
+}
+
+MHD_Response *MetricsServer::metrics(MetricsExposition::Format format)
 {
     CachedBody &cached = _cache[format == MetricsExposition::Format::OpenMetrics ? 1 : 0];
-    if (cached.age.isValid() && cached.age.elapsed() < cacheMs)
-        return cached.body;
+    if (cached.response && cached.age.isValid() && cached.age.elapsed() < cacheMs)
+        return cached.response;
     MetricsExposition::Sample sample = MetricsExposition::sample(_core);
     if (!_deviceInfoAge.isValid() || _deviceInfoAge.elapsed() >= deviceInfoMs) {
         _deviceInfo = MetricsExposition::deviceInfo(_core);
@@ -133,7 +356,14 @@ const QByteArray &MetricsServer::metrics(MetricsExposition::Format format)
         sample.batteryLevel = _device->batteryLevel();
         sample.batteryState = batteryState(_device->batteryState());
     }
-    cached.body = MetricsExposition::render(sample, format);
+    const QByteArray body = MetricsExposition::render(sample, format);
+    if (cached.response)
+        MHD_destroy_response(cached.response); // answers still being sent keep theirs
+    cached.response = MHD_create_response_from_buffer(size_t(body.size()), const_cast<char *>(body.constData()),
+                                                      MHD_RESPMEM_MUST_COPY);
+    MHD_add_response_header(cached.response, MHD_HTTP_HEADER_CONTENT_TYPE,
+                            MetricsExposition::contentType(format).constData());
+    MHD_add_response_header(cached.response, MHD_HTTP_HEADER_CACHE_CONTROL, "no-store");
     cached.age.start();
-    return cached.body;
+    return cached.response;
 }

@@ -3,7 +3,7 @@
 misbehave, a real Prometheus scraping it and agreeing with kovar --snapshot, and SIGTERM.
 
 Usage: metrics_endpoint.py KOVAR"""
-import atexit, json, os, shutil, signal, socket, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
+import atexit, json, os, re, shutil, signal, socket, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
 
 KOVAR = sys.argv[1]
 failures = []
@@ -93,6 +93,54 @@ check(reply.split(b'\r\n\r\n')[1].startswith(b'HTTP/1.1 200 ') and len(reply.spl
 check(get(port, '/')[0] == 200 and b'href="/metrics"' in get(port, '/')[2], '/ links to /metrics')
 check(get(port, '/metrics', method='POST')[0] == 405, 'POST is refused')
 check(get(port, '/secret')[0] == 404, 'other paths are not found')
+
+# Apache's ab, as an operator would run it: 2000 requests, 20 at a time, with and without keep-alive.
+# The figures change from one scrape to the next, which ab counts as "Length" failures; the
+# page at / does not, so there every request must succeed to the byte.
+for path, keep_alive in [('/metrics', []), ('/metrics', ['-k']), ('/', []), ('/', ['-k'])]:
+    ab = subprocess.run(['ab', '-q', '-n', '2000', '-c', '20', '-s', '10', *keep_alive, f'http://127.0.0.1:{port}{path}'],
+                        capture_output=True, text=True, timeout=120)
+    figures = dict(re.findall(r'^(Complete requests|Failed requests|Non-2xx responses):\s+(\d+)', ab.stdout, re.M))
+    kinds = re.search(r'\(Connect: (\d+), Receive: (\d+), Length: (\d+), Exceptions: (\d+)\)', ab.stdout)
+    broken = sum(int(n) for n in kinds.groups()[:2] + kinds.groups()[3:]) if kinds else 0
+    length = int(kinds[3]) if kinds else 0
+    check(ab.returncode == 0 and figures.get('Complete requests') == '2000' and 'Non-2xx responses' not in figures
+          and broken == 0 and (path == '/metrics' or int(figures.get('Failed requests', 0)) == 0),
+          f'ab -n 2000 -c 20 {" ".join(keep_alive)} {path}: {figures}, {length} of another length')
+
+# A flood of slow clients, each sending a header line every 2 s from the same address as the
+# scraper, beside a scrape every quarter second: every scrape is served.
+flood_over = threading.Event()
+
+
+def flood():
+    slow = []
+    for _ in range(200):
+        try:
+            slow.append(connect(port))
+            slow[-1].sendall(b'GET /metrics HTTP/1.1\r\n')
+        except OSError:
+            pass
+    while not flood_over.wait(2):
+        for sock in slow:
+            try:
+                sock.sendall(b'X-Slow: 1\r\n')
+            except OSError:
+                pass
+    for sock in slow:
+        sock.close()
+
+
+flooding = threading.Thread(target=flood, daemon=True)
+flooding.start()
+time.sleep(1)
+scrapes = []
+for _ in range(32):
+    scrapes.append(get(port, timeout=5)[0])
+    time.sleep(0.25)
+flood_over.set()
+flooding.join()
+check(scrapes.count(200) == len(scrapes), f'200 slow clients beside a scraper: {scrapes.count(200)} of {len(scrapes)} scrapes served')
 
 # Clients that misbehave. Those that hold on are started first and checked last: the endpoint must close
 # them once their request is overdue; all the others must leave it serving the next scrape.
