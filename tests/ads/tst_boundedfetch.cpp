@@ -71,24 +71,6 @@ private Q_SLOTS:
         QTest::qWait(300); // past the deadline
         QCOMPARE(finished.count(), 0);
     }
-
-    void webAddresses_data()
-    {
-        QTest::addColumn<QString>("url");
-        QTest::addColumn<bool>("web");
-        QTest::newRow("http") << "http://example.org/a" << true;
-        QTest::newRow("https with a port") << "https://example.org:8443/" << true;
-        QTest::newRow("no host") << "http:///path" << false;
-        QTest::newRow("file") << "file:///etc/hostname" << false;
-        QTest::newRow("javascript") << "javascript:alert(1)" << false;
-        QTest::newRow("data") << "data:text/plain,hi" << false;
-        QTest::newRow("relative") << "/v1/banner" << false;
-    }
-    void webAddresses()
-    {
-        QFETCH(QString, url);
-        QTEST(BoundedFetch::isWebUrl(QUrl(url)), "web");
-    }
 };
 
 QTEST_GUILESS_MAIN(TestBoundedFetch)
