@@ -30,14 +30,18 @@ struct Parser {
                                                     "http://ADDRESS:PORT/metrics (ADDRESS defaults to 127.0.0.1; "
                                                     "PORT 0 takes a free port)."),
                                      QStringLiteral("[ADDRESS:]PORT")};
+    QCommandLineOption webConfigOption{QStringLiteral("web-config"),
+                                       QStringLiteral("With --serve-metrics: TLS and basic-auth users from this file, "
+                                                      "in Prometheus's web configuration format."),
+                                       QStringLiteral("FILE")};
 
     Parser()
     {
         parser.setApplicationDescription(
             QStringLiteral("KOVAR shows what this device is doing: CPU, memory, disk, battery, "
                            "processes, system and network information."));
-        parser.addOptions(
-            {helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption, metricsOption});
+        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption,
+                           metricsOption, webConfigOption});
     }
 };
 
@@ -115,6 +119,12 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments, const QProcessE
             options.error = QStringLiteral("--serve-metrics \"%1\" is not [ADDRESS:]PORT, such as 9877 or "
                                            "192.0.2.7:9877")
                                 .arg(text);
+    }
+
+    if (p.parser.isSet(p.webConfigOption)) {
+        options.webConfig = p.parser.value(p.webConfigOption);
+        if (!p.parser.isSet(p.metricsOption) && options.error.isEmpty())
+            options.error = QStringLiteral("--web-config configures --serve-metrics, which is not asked for");
     }
 
     // The snapshot shows no screen, nor does the metrics endpoint: a layout, screenshots or banners asked

@@ -25,6 +25,7 @@ public:
     bool serveMetrics = false;
     QString metricsAddress;  // 127.0.0.1 unless given; an IPv6 address without brackets
     quint16 metricsPort = 0; // 0: any free port (kovar prints the one it took)
+    QString webConfig;       // --web-config FILE: TLS and users for the endpoint, as Prometheus writes them
     QString error;           // non-empty when the arguments made no sense
 
     static QString helpText();

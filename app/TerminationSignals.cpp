@@ -27,7 +27,8 @@ void setDisposition(void (*handler)(int))
 extern "C" void onTerminationSignal(int signalNumber)
 {
     const int savedErrno = errno;
-    setDisposition(SIG_DFL);
+    if (signalNumber != SIGHUP)
+        setDisposition(SIG_DFL);
     const char byte = char(signalNumber);
     if (::write(wakeFds[0], &byte, 1) < 0) {
         // Nothing to be done inside a signal handler; the default disposition is back.
@@ -38,18 +39,33 @@ extern "C" void onTerminationSignal(int signalNumber)
 } // namespace
 
 TerminationSignals::TerminationSignals(QObject *parent)
+    : TerminationSignals(std::function<void()>(), parent)
+{
+}
+
+TerminationSignals::TerminationSignals(std::function<void()> onHangup, QObject *parent)
     : QObject(parent)
+    , _onHangup(std::move(onHangup))
 {
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, wakeFds) != 0)
         return;
     _notifier = new QSocketNotifier(wakeFds[1], QSocketNotifier::Read, this);
     connect(_notifier, &QSocketNotifier::activated, this, &TerminationSignals::readSignal);
     setDisposition(onTerminationSignal);
+    if (_onHangup) {
+        struct sigaction action = {};
+        action.sa_handler = onTerminationSignal;
+        sigemptyset(&action.sa_mask);
+        action.sa_flags = SA_RESTART;
+        sigaction(SIGHUP, &action, nullptr);
+    }
 }
 
 TerminationSignals::~TerminationSignals()
 {
     setDisposition(SIG_DFL);
+    if (_onHangup)
+        std::signal(SIGHUP, SIG_DFL);
     delete _notifier;
     for (int &fd : wakeFds) {
         if (fd >= 0)
@@ -61,6 +77,10 @@ TerminationSignals::~TerminationSignals()
 void TerminationSignals::readSignal()
 {
     char byte = 0;
-    if (::read(wakeFds[1], &byte, 1) == 1)
+    if (::read(wakeFds[1], &byte, 1) != 1)
+        return;
+    if (byte == char(SIGHUP) && _onHangup)
+        _onHangup();
+    else
         QCoreApplication::quit();
 }

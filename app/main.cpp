@@ -9,6 +9,7 @@
 #include "StatCore.h"
 #include "StatSnapshot.h"
 #include "TerminationSignals.h"
+#include "WebConfigWatch.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -67,21 +68,38 @@ int main(int argc, char *argv[])
     if (options.serveMetrics) {
         // No display either: the endpoint samples the same counters for every scrape.
         QCoreApplication app(argc, argv);
+        WebConfig web;
+        if (!options.webConfig.isEmpty()) {
+            QString problem;
+            const std::optional<WebConfig> read = WebConfig::load(options.webConfig, &problem);
+            if (!read) {
+                std::fprintf(stderr, "kovar: --web-config %s: %s\n", qPrintable(options.webConfig),
+                             qPrintable(problem));
+                return 2;
+            }
+            web = *read;
+        }
         MetricsServer server(*StatCore::shared(), Device::currentDevice());
-        if (!server.start(QHostAddress(options.metricsAddress), options.metricsPort)) {
+        if (!server.start(QHostAddress(options.metricsAddress), options.metricsPort, MetricsServer::Limits(), web)) {
             std::fprintf(stderr, "kovar: cannot serve metrics on %s port %u: %s\n", qPrintable(options.metricsAddress),
                          unsigned(options.metricsPort), qPrintable(server.errorString()));
             return 1;
         }
         // Scripts and tests that asked for port 0 learn the port from this line.
-        std::printf("kovar: serving metrics at http://%s/metrics\n", qPrintable(server.target()));
-        if (!QHostAddress(options.metricsAddress).isLoopback())
+        const char *scheme = web.hasTls() ? "https" : "http";
+        std::printf("kovar: serving metrics at %s://%s/metrics\n", scheme, qPrintable(server.target()));
+        if (server.open() && !QHostAddress(options.metricsAddress).isLoopback())
             std::fprintf(stderr,
-                         "kovar: warning: without TLS or a password, the figures at http://%s/metrics are readable by "
-                         "anyone who can reach that port\n",
-                         qPrintable(server.target()));
+                         "kovar: warning: without TLS and a password (--web-config), the figures at %s://%s/metrics "
+                         "are readable by anyone who can reach that port\n",
+                         scheme, qPrintable(server.target()));
         std::fflush(stdout);
-        const TerminationSignals endOnSignal;
+        if (options.webConfig.isEmpty()) {
+            const TerminationSignals endOnSignal;
+            return app.exec();
+        }
+        WebConfigWatch watch(options.webConfig, web.files, server);
+        const TerminationSignals endOnSignal([&watch] { watch.reload(); });
         return app.exec();
     }
 

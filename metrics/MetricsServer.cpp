@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <gnutls/gnutls.h>
 #include <microhttpd.h>
 
 #include <algorithm>
@@ -86,6 +87,27 @@ struct HeaderFacts {
     }
 };
 
+// A client certificate was presented and checks out against the configured CA.
+bool verifiedClient(MHD_Connection *connection)
+{
+    const MHD_ConnectionInfo *info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_GNUTLS_SESSION);
+    auto session = info ? static_cast<gnutls_session_t>(info->tls_session) : nullptr;
+    unsigned count = 0;
+    unsigned status = 0;
+    return session && gnutls_certificate_get_peers(session, &count) && count > 0
+        && gnutls_certificate_verify_peers2(session, &status) == GNUTLS_E_SUCCESS && status == 0;
+}
+
+bool authorized(const WebConfig &web, MHD_Connection *connection)
+{
+    char *password = nullptr;
+    char *user = MHD_basic_auth_get_username_password(connection, &password);
+    const bool ok = user && password && web.passwordMatches(QByteArray(user), QByteArray(password));
+    MHD_free(user);
+    MHD_free(password);
+    return ok;
+}
+
 // A request refused with status and closed: what RFC 9112 asks of a server that will not
 // read on in a request it cannot make sense of.
 MHD_Result refuse(MHD_Connection *connection, unsigned status, const char *why)
@@ -131,6 +153,15 @@ struct MetricsServer::Callbacks {
                 return refuse(connection, MHD_HTTP_BAD_REQUEST, "An HTTP/1.1 request names its Host.\n");
             if (headers.lengthsDisagree)
                 return refuse(connection, MHD_HTTP_BAD_REQUEST, "The request's Content-Lengths disagree.\n");
+            if (self->_web.clientAuth == WebConfig::ClientAuth::RequireAndVerifyClientCert
+                && !verifiedClient(connection))
+                return refuse(connection, MHD_HTTP_FORBIDDEN, "A client certificate signed by our CA is required.\n");
+            if (self->_web.hasUsers() && !authorized(self->_web, connection)) {
+                MHD_Response *response = textResponse("A user and password are required.\n");
+                const MHD_Result queued = MHD_queue_basic_auth_fail_response(connection, "kovar", response);
+                MHD_destroy_response(response);
+                return queued;
+            }
             // A GET or HEAD with a body announced past the limit is refused before it is read.
             if (headers.contentLengths > 0 && headers.contentLength.toLongLong() > self->_limits.bodyBytes)
                 return refuse(connection, MHD_HTTP_CONTENT_TOO_LARGE, "The request's body is too large.\n");
@@ -211,18 +242,17 @@ bool MetricsServer::start(const QHostAddress &address, quint16 port)
     return start(address, port, Limits());
 }
 
-bool MetricsServer::start(const QHostAddress &address, quint16 port, const Limits &limits)
+bool MetricsServer::start(const QHostAddress &address, quint16 port, const Limits &limits, const WebConfig &web)
 {
     _limits = limits;
+    _web = web;
     sockaddr_storage socketAddress{};
-    unsigned flags = MHD_USE_EPOLL;
     if (address.protocol() == QAbstractSocket::IPv6Protocol) {
         auto *in6 = reinterpret_cast<sockaddr_in6 *>(&socketAddress);
         in6->sin6_family = AF_INET6;
         in6->sin6_port = htons(port);
         const Q_IPV6ADDR bytes = address.toIPv6Address();
         std::memcpy(&in6->sin6_addr, bytes.c, sizeof bytes.c);
-        flags |= MHD_USE_IPv6;
     } else if (address.protocol() == QAbstractSocket::IPv4Protocol) {
         auto *in4 = reinterpret_cast<sockaddr_in *>(&socketAddress);
         in4->sin_family = AF_INET;
@@ -232,12 +262,7 @@ bool MetricsServer::start(const QHostAddress &address, quint16 port, const Limit
         _error = QStringLiteral("not an IPv4 or IPv6 address");
         return false;
     }
-    _daemon = MHD_start_daemon(flags, port, nullptr, nullptr, &Callbacks::answer, this, MHD_OPTION_SOCK_ADDR,
-                               &socketAddress, MHD_OPTION_CONNECTION_LIMIT, acceptLimit, MHD_OPTION_CONNECTION_TIMEOUT,
-                               limits.idleSeconds, MHD_OPTION_CONNECTION_MEMORY_LIMIT, limits.connectionBytes,
-                               MHD_OPTION_URI_LOG_CALLBACK, &Callbacks::requestLine, this, MHD_OPTION_NOTIFY_COMPLETED,
-                               &Callbacks::requestDone, this, MHD_OPTION_NOTIFY_CONNECTION,
-                               &Callbacks::connectionChanged, this, MHD_OPTION_END);
+    _daemon = startDaemon(&socketAddress, -1);
     if (!_daemon) {
         _error = QString::fromLocal8Bit(std::strerror(errno ? errno : EADDRNOTAVAIL));
         return false;
@@ -246,17 +271,82 @@ bool MetricsServer::start(const QHostAddress &address, quint16 port, const Limit
     _port = MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_BIND_PORT)->port;
     _listenFd = MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_LISTEN_FD)->listen_fd;
 
-    _events = new QSocketNotifier(MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd,
-                                  QSocketNotifier::Read, this);
-    connect(_events, &QSocketNotifier::activated, this, &MetricsServer::run);
     _due = new QTimer(this);
     _due->setSingleShot(true);
     connect(_due, &QTimer::timeout, this, &MetricsServer::run);
     _sweep = new QTimer(this);
     connect(_sweep, &QTimer::timeout, this, &MetricsServer::sweep);
     _sweep->start(limits.sweepMs);
-    run();
+    watchDaemon();
     return true;
+}
+
+MHD_Daemon *MetricsServer::startDaemon(void *socketAddress, int listenFd)
+{
+    // ITC: a daemon that can hand its listening socket on to the next (reconfigure).
+    unsigned flags = MHD_USE_EPOLL | MHD_USE_ITC;
+    if (_address.protocol() == QAbstractSocket::IPv6Protocol
+        || (socketAddress && static_cast<sockaddr_storage *>(socketAddress)->ss_family == AF_INET6))
+        flags |= MHD_USE_IPv6;
+    const auto pointer = [](auto *value) { return intptr_t(reinterpret_cast<void *>(value)); };
+    QList<MHD_OptionItem> options{
+        {MHD_OPTION_CONNECTION_LIMIT, acceptLimit, nullptr},
+        {MHD_OPTION_CONNECTION_TIMEOUT, intptr_t(_limits.idleSeconds), nullptr},
+        {MHD_OPTION_CONNECTION_MEMORY_LIMIT, intptr_t(_limits.connectionBytes), nullptr},
+        {MHD_OPTION_URI_LOG_CALLBACK, pointer(&Callbacks::requestLine), this},
+        {MHD_OPTION_NOTIFY_COMPLETED, pointer(&Callbacks::requestDone), this},
+        {MHD_OPTION_NOTIFY_CONNECTION, pointer(&Callbacks::connectionChanged), this},
+    };
+    if (listenFd >= 0)
+        options.append({MHD_OPTION_LISTEN_SOCKET, listenFd, nullptr});
+    else
+        options.append({MHD_OPTION_SOCK_ADDR, 0, socketAddress});
+    if (_web.hasTls()) {
+        flags |= MHD_USE_TLS;
+        options.append({MHD_OPTION_HTTPS_MEM_CERT, 0, const_cast<char *>(_web.certificatePem.constData())});
+        options.append({MHD_OPTION_HTTPS_MEM_KEY, 0, const_cast<char *>(_web.keyPem.constData())});
+        options.append({MHD_OPTION_HTTPS_PRIORITIES, 0, const_cast<char *>(_web.tlsPriorities.constData())});
+        if (!_web.clientCaPem.isEmpty())
+            options.append({MHD_OPTION_HTTPS_MEM_TRUST, 0, const_cast<char *>(_web.clientCaPem.constData())});
+    }
+    options.append({MHD_OPTION_END, 0, nullptr});
+    return MHD_start_daemon(flags, 0, nullptr, nullptr, &Callbacks::answer, this, MHD_OPTION_ARRAY, options.data(),
+                            MHD_OPTION_END);
+}
+
+void MetricsServer::watchDaemon()
+{
+    delete _events;
+    _events = new QSocketNotifier(MHD_get_daemon_info(_daemon, MHD_DAEMON_INFO_EPOLL_FD)->epoll_fd,
+                                  QSocketNotifier::Read, this);
+    connect(_events, &QSocketNotifier::activated, this, &MetricsServer::run);
+    run();
+}
+
+bool MetricsServer::reconfigure(const WebConfig &web)
+{
+    if (!_daemon)
+        return false;
+    // The listening socket goes on to a daemon with the new configuration; the connections of
+    // the old one end with it, and their scrapers come back at the next scrape.
+    const WebConfig previous = _web;
+    const MHD_socket listening = MHD_quiesce_daemon(_daemon);
+    if (listening == MHD_INVALID_SOCKET)
+        return false;
+    _web = web;
+    MHD_Daemon *next = startDaemon(nullptr, listening);
+    const bool taken = next != nullptr;
+    if (!taken) {
+        _web = previous;
+        next = startDaemon(nullptr, listening);
+    }
+    delete _events; // before its epoll descriptor closes with the old daemon
+    _events = nullptr;
+    MHD_stop_daemon(_daemon);
+    _daemon = next;
+    if (_daemon)
+        watchDaemon();
+    return taken;
 }
 
 QString MetricsServer::target() const

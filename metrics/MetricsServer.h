@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MetricsExposition.h"
+#include "WebConfig.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -49,8 +50,14 @@ public:
     ~MetricsServer() override;
 
     // Listens on address and port (0: any free one); false with errorString() when it cannot.
+    // With web's TLS it serves HTTPS alone, and with its users only to one of them.
     bool start(const QHostAddress &address, quint16 port);
-    bool start(const QHostAddress &address, quint16 port, const Limits &limits);
+    bool start(const QHostAddress &address, quint16 port, const Limits &limits, const WebConfig &web = WebConfig());
+    // Serves with web from now on, on the same port; false, serving as before, when libmicrohttpd
+    // will not take it (a certificate that does not load). Open connections close.
+    bool reconfigure(const WebConfig &web);
+    // Whether anyone who reaches the port can read the figures: no TLS or no password.
+    bool open() const { return !_web.hasTls() || !_web.hasUsers(); }
     QString errorString() const { return _error; }
     // Where the endpoint listens, as a scrape target: "127.0.0.1:9877", "[::1]:9877".
     QString target() const;
@@ -65,6 +72,8 @@ private:
 
     bool respond(MHD_Connection *connection, Connection *state, const char *url, const char *method);
     MHD_Response *metrics(MetricsExposition::Format format);
+    MHD_Daemon *startDaemon(void *socketAddress, int listenFd);
+    void watchDaemon();
     void opened(Connection *connection);
     void sweep();
     void run();
@@ -72,6 +81,7 @@ private:
     StatCore &_core;
     QPointer<Device> _device;
     Limits _limits;
+    WebConfig _web;
     MHD_Daemon *_daemon = nullptr;
     QSocketNotifier *_events = nullptr;
     QTimer *_due = nullptr;   // when libmicrohttpd next wants to run: a time-out, data it holds

@@ -27,6 +27,22 @@ expect 2 "kovar: --snapshot shows no screen, so it cannot go with --screenshot" 
 expect 2 "kovar: KOVAR_AD_SERVER \"localhost:8731\" is not an http or https address" KOVAR_AD_SERVER=localhost:8731 "$kovar"
 expect 1 "kovar: cannot serve metrics on 198.51.100.77 port 9877" "$kovar" --serve-metrics 198.51.100.77:9877
 expect 2 "kovar: --ad-server \"ftp://127.0.0.1/\" is not an http or https address" "$kovar" --ad-server ftp://127.0.0.1/
+# A web configuration kovar cannot follow is refused at start, naming the file and the problem.
+configs=$(mktemp -d)
+printf 'tls_server_config: [cert_file\n' >"$configs/unparsable.yml"
+printf 'tls_server_config:\n  cert_file: missing.crt\n  key_file: missing.key\n' >"$configs/missing.yml"
+printf 'basic_auth_users:\n  alice: secret\n' >"$configs/plain.yml"
+printf 'http_server_config:\n  http2: false\n' >"$configs/unsupported.yml"
+expect 2 "kovar: --web-config $configs/unparsable.yml: " "$kovar" --serve-metrics 0 --web-config "$configs/unparsable.yml"
+expect 2 "kovar: --web-config $configs/missing.yml: cert_file missing.crt: " \
+    "$kovar" --serve-metrics 0 --web-config "$configs/missing.yml"
+expect 2 "kovar: --web-config $configs/plain.yml: the password hash of alice is not bcrypt" \
+    "$kovar" --serve-metrics 0 --web-config "$configs/plain.yml"
+expect 2 "kovar: --web-config $configs/unsupported.yml: the file has http_server_config, which kovar does not support" \
+    "$kovar" --serve-metrics 0 --web-config "$configs/unsupported.yml"
+expect 2 "kovar: --web-config configures --serve-metrics, which is not asked for" "$kovar" --web-config "$configs/plain.yml"
+rm -r "$configs"
+
 # --snapshot as a script reads it: valid against the published schema in every locale, the
 # same members of the same types in each, and a write that fails is an error of status 1.
 schema=$(cd "$(dirname "$0")/../.." && pwd)/docs/snapshot.schema.json

@@ -3,7 +3,7 @@
 misbehave, a real Prometheus scraping it and agreeing with kovar --snapshot, and SIGTERM.
 
 Usage: metrics_endpoint.py KOVAR"""
-import atexit, json, os, re, shutil, signal, socket, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
+import atexit, json, os, re, shutil, signal, socket, ssl, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
 
 KOVAR = sys.argv[1]
 failures = []
@@ -218,15 +218,99 @@ for name, case in [('40 scrapers at once', crowd),
     after = until(lambda: (answer := get(port))[0] == 200 and answer, 3) or (None, {}, b'')  # a scraper turned away comes back at its next interval
     check(outcome and after[0] == 200 and after[2].startswith(b'# HELP'), f'{name}: handled, and the next scrape served')
 
-# A real Prometheus scrapes kovar every second; its answers agree with kovar --snapshot.
+# With a web configuration: HTTPS alone, for one user, and a client certificate where asked for. The
+# certificates are made here by openssl, the hash by htpasswd, as an operator makes them.
 data = tempfile.mkdtemp(prefix='kovar-prometheus-')
+
+
+def make(*command):
+    subprocess.run(command, cwd=data, check=True, capture_output=True)
+
+
+make('openssl', 'req', '-x509', '-newkey', 'rsa:2048', '-nodes', '-keyout', 'server.key', '-out', 'server.crt',
+     '-days', '2', '-subj', '/CN=127.0.0.1', '-addext', 'subjectAltName=IP:127.0.0.1')
+make('openssl', 'req', '-x509', '-newkey', 'rsa:2048', '-nodes', '-keyout', 'ca.key', '-out', 'ca.crt', '-days', '2',
+     '-subj', '/CN=kovar test CA')
+make('openssl', 'req', '-newkey', 'rsa:2048', '-nodes', '-keyout', 'client.key', '-out', 'client.csr', '-subj', '/CN=scraper')
+make('openssl', 'x509', '-req', '-in', 'client.csr', '-CA', 'ca.crt', '-CAkey', 'ca.key', '-CAcreateserial',
+     '-out', 'client.crt', '-days', '2')
+hashed = subprocess.run(['htpasswd', '-nbBC', '10', '', 'open sesame'], capture_output=True, text=True, check=True)
+tls = 'tls_server_config:\n  cert_file: server.crt\n  key_file: server.key\n'
+with open(f'{data}/web.yml', 'w') as web:
+    web.write(tls + f'basic_auth_users:\n  alice: {hashed.stdout.strip().lstrip(":")}\n')
+with open(f'{data}/mtls.yml', 'w') as web:
+    web.write(tls + '  client_ca_file: ca.crt\n  client_auth_type: RequireAndVerifyClientCert\n')
+
+
+def serve(config):
+    server = subprocess.Popen([KOVAR, '--serve-metrics', '127.0.0.1:0', '--web-config', f'{data}/{config}'],
+                              stdout=subprocess.PIPE, text=True)
+    atexit.register(lambda: server.poll() is None and server.kill())
+    said = server.stdout.readline()
+    return server, int(said.rsplit(':', 1)[1].split('/')[0]), said
+
+
+def https(port, user=None, password=None, certificate=None):
+    """The status of a GET over TLS; None when no HTTP answer came."""
+    context = ssl.create_default_context(cafile=f'{data}/server.crt')
+    if certificate:
+        context.load_cert_chain(f'{data}/{certificate}.crt', f'{data}/{certificate}.key')
+    request = urllib.request.Request(f'https://127.0.0.1:{port}/metrics')
+    if user:
+        request.add_header('Authorization', 'Basic ' + __import__('base64').b64encode(f'{user}:{password}'.encode()).decode())
+    try:
+        with urllib.request.urlopen(request, timeout=5, context=context) as reply:
+            return reply.status, reply.headers
+    except urllib.error.HTTPError as error:
+        return error.code, error.headers
+    except OSError:
+        return None, {}
+
+
+secure, secure_port, said = serve('web.yml')
+check(said.startswith('kovar: serving metrics at https://127.0.0.1:'), f'kovar says it serves HTTPS: {said.strip()}')
+for name, (user, password), expected in [('alice with her password', ('alice', 'open sesame'), 200),
+                                         ('no password', (None, None), 401),
+                                         ('a wrong password', ('alice', 'open says me'), 401),
+                                         ('a user who does not exist', ('mallory', 'open sesame'), 401)]:
+    status, headers = https(secure_port, user, password)
+    check(status == expected and (status == 200 or headers.get('WWW-Authenticate', '').startswith('Basic')),
+          f'HTTPS with basic auth, {name}: {status}')
+check(get(secure_port)[0] is None, 'plain HTTP is not served on the HTTPS port')
+# A renewed configuration takes effect without a restart; a broken one leaves the last good one.
+renewed = subprocess.run(['htpasswd', '-nbBC', '10', '', 'new moon'], capture_output=True, text=True, check=True)
+with open(f'{data}/web.yml.new', 'w') as web:
+    web.write(tls + f'basic_auth_users:\n  alice: {renewed.stdout.strip().lstrip(":")}\n')
+os.rename(f'{data}/web.yml.new', f'{data}/web.yml')  # as renewals write: a new file in the old one's place
+check(until(lambda: https(secure_port, 'alice', 'new moon')[0] == 200, 5)
+      and https(secure_port, 'alice', 'open sesame')[0] == 401, 'a changed web configuration is read again')
+with open(f'{data}/web.yml', 'w') as web:
+    web.write('basic_auth_users: [\n')
+secure.send_signal(signal.SIGHUP)  # and read again on SIGHUP, as a daemon is
+time.sleep(1)
+check(secure.poll() is None and https(secure_port, 'alice', 'new moon')[0] == 200,
+      'a broken web configuration leaves the last good one in use')
+mutual, mutual_port, _ = serve('mtls.yml')
+for name, certificate, expected in [('a client certificate of the CA', 'client', 200),
+                                    ('no client certificate', None, 403),
+                                    ('a certificate the CA did not sign', 'server', 403)]:
+    check(https(mutual_port, certificate=certificate)[0] == expected, f'client certificates required: {name}')
+mutual.send_signal(signal.SIGTERM)
+mutual.wait(10)
+
+# A real Prometheus scrapes kovar every second; its answers agree with kovar --snapshot. It scrapes
+# the HTTPS endpoint too, with the user's password, as an operator would set it up.
 probe = socket.socket()
 probe.bind(('127.0.0.1', 0))
 prometheus_port = probe.getsockname()[1]
 probe.close()
 with open(f'{data}/prometheus.yml', 'w') as config:
     config.write('global:\n  scrape_interval: 1s\n  scrape_timeout: 1s\nscrape_configs:\n  - job_name: kovar\n'
-                 f'    static_configs:\n      - targets: ["127.0.0.1:{port}"]\n')
+                 f'    static_configs:\n      - targets: ["127.0.0.1:{port}"]\n'
+                 '  - job_name: kovar-tls\n    scheme: https\n'
+                 f'    tls_config:\n      ca_file: {data}/server.crt\n'
+                 '    basic_auth:\n      username: alice\n      password: new moon\n'
+                 f'    static_configs:\n      - targets: ["127.0.0.1:{secure_port}"]\n')
 prometheus = subprocess.Popen(['prometheus', f'--config.file={data}/prometheus.yml', f'--storage.tsdb.path={data}/tsdb',
                                f'--web.listen-address=127.0.0.1:{prometheus_port}', '--log.level=warn'],
                               stdout=subprocess.DEVNULL, stderr=open(f'{data}/log', 'w'))
@@ -247,6 +331,8 @@ def query(expression, at=None):
 try:
     up = until(lambda: list(query(f'up{{job="kovar",instance="127.0.0.1:{port}"}}').values()) == [1.0], 30)
     check(up, 'Prometheus scrapes kovar: up is 1')
+    secure_up = until(lambda: list(query(f'up{{job="kovar-tls",instance="127.0.0.1:{secure_port}"}}').values()) == [1.0], 30)
+    check(secure_up, 'Prometheus scrapes kovar over HTTPS with basic auth: up is 1')
     until(lambda: len(query('count_over_time(kovar_memory_physical_bytes[4s])')) and
           list(query('count_over_time(kovar_memory_physical_bytes[4s])').values())[0] >= 3, 30)
     snapshot = json.loads(subprocess.run([KOVAR, '--snapshot'], capture_output=True, check=True).stdout)
