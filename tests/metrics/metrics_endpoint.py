@@ -94,6 +94,39 @@ check(get(port, '/')[0] == 200 and b'href="/metrics"' in get(port, '/')[2], '/ l
 check(get(port, '/metrics', method='POST')[0] == 405, 'POST is refused')
 check(get(port, '/secret')[0] == 404, 'other paths are not found')
 
+# HTTP as RFC 9112 has it, request by request on a connection of its own: the table beside this
+# script gives each request, the statuses answered in order, whether the server then closed, and a
+# header the first answer must carry.
+def exchange(request):
+    """(statuses, first answer's head, closed) for request, read until the server closes or goes quiet."""
+    sock = connect(port)
+    sock.sendall(request)
+    sock.settimeout(0.3)
+    reply, closed = b'', False
+    try:
+        while chunk := sock.recv(65536):
+            reply += chunk
+        closed = True
+    except ConnectionResetError:
+        closed = True
+    except OSError:
+        pass
+    sock.close()
+    statuses = re.findall(rb'(?:^|\n)HTTP/1\.[01] (\d{3}) ', reply)
+    return ' '.join(s.decode() for s in statuses), reply.split(b'\r\n\r\n')[0], closed
+
+
+table = os.path.join(os.path.dirname(os.path.abspath(__file__)), 'tables', 'http-requests.tsv')
+for row in open(table, encoding='utf-8').read().splitlines():
+    if not row or row.startswith('#'):
+        continue
+    name, request, statuses, closed, header = row.split('\t')
+    request = re.sub(r'<(\d+) (.)>', lambda m: m[2] * int(m[1]), request)
+    request = request.encode('latin-1').decode('unicode_escape').encode('latin-1')
+    answered, head, was_closed = exchange(request)
+    check(answered == statuses and was_closed == (closed == 'closed') and (header == '-' or header.encode() in head),
+          f'{name}: {answered or "no answer"}, {"closed" if was_closed else "open"}')
+
 # Apache's ab, as an operator would run it: 2000 requests, 20 at a time, with and without keep-alive.
 # The figures change from one scrape to the next, which ab counts as "Length" failures; the
 # page at / does not, so there every request must succeed to the byte.
