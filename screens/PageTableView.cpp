@@ -1,5 +1,6 @@
 #include "PageTableView.h"
 
+#include <QScrollBar>
 #include <QScroller>
 
 PageTableView::PageTableView(QAbstractItemModel *model, QAbstractItemDelegate *delegate, QWidget *parent)
@@ -16,4 +17,12 @@ PageTableView::PageTableView(QAbstractItemModel *model, QAbstractItemDelegate *d
     setAttribute(Qt::WA_TranslucentBackground);
     viewport()->setAutoFillBackground(false);
     QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture);
+}
+
+void PageTableView::updateGeometries()
+{
+    QListView::updateGeometries();
+    // Scrolling by the pixel, the list would step by its first row's height: the Network
+    // list starts with an untitled section of no height, and so would never move.
+    verticalScrollBar()->setSingleStep(ScrollStep);
 }
