@@ -72,4 +72,11 @@ inline QColor at(ListPage &page, int row, QPointF inRow)
     return RenderProbe::at(image, p.x(), p.y());
 }
 
+// Builds each page at the phone's size, as the root screen does.
+template<typename... Pages>
+void buildOnPhone(Pages &...pages)
+{
+    ((pages.resize(320, 460), pages.viewDidLoad()), ...);
+}
+
 } // namespace PageProbe

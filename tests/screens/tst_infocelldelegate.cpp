@@ -21,11 +21,7 @@ class TestInfoCellDelegate : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        const auto build = [](auto &page) {
-            page.resize(320, 460);
-            page.viewDidLoad();
-        };
-        build(system), build(network);
+        buildOnPhone(system, network);
         tabletNetwork.initWithFrame(QRect(0, 0, 500, 600));
     }
 

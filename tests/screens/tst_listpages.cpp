@@ -30,11 +30,7 @@ class TestListPages : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        const auto build = [](auto &page) {
-            page.resize(320, 460);
-            page.viewDidLoad();
-        };
-        build(processes), build(system), build(network);
+        buildOnPhone(processes, system, network);
         for (ListPage *panel : std::initializer_list<ListPage *>{&tabletProcesses, &tabletSystem, &tabletNetwork})
             panel->initWithFrame(QRect(0, 0, 500, 600));
         // Empty until the root screen sends a record: a page reads no statistics of its own.

@@ -28,8 +28,7 @@ private Q_SLOTS:
         device.setPollInterval(1);
         device.setBatteryMonitoringEnabled(true);
         summary.setDevice(&device);
-        summary.resize(320, 460);
-        summary.viewDidLoad();
+        buildOnPhone(summary);
         tabletSummary.setDevice(&device);
         tabletSummary.initWithFrame(QRect(0, 20, 768, 894));
         // The battery as the device reports it (none yet), not the placeholder it is built with.
