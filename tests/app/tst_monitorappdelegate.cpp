@@ -7,6 +7,7 @@
 #include "LaunchIdiom.h"
 #include "LaunchOptions.h"
 #include "MonitorAppDelegate_iPad.h"
+#include "ZoomView.h"
 
 #include <QtTest>
 #include <QtWidgets>
