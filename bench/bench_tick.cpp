@@ -3,6 +3,7 @@
 // the visible page. A tick must stay well inside one 16 ms frame.
 #include "GeneratedProcTree.h"
 #include "StatCore.h"
+#include "ZoomView.h"
 #include "iPhoneProcessesViewController.h"
 #include "iPhoneTotalViewController.h"
 
@@ -86,6 +87,33 @@ void BM_TickPaint(benchmark::State &state)
 }
 BENCHMARK(BM_TickPaint<iPhoneTotalViewController>)->Name("BM_TickPaint/Summary")->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_TickPaint<iPhoneProcessesViewController>)->Name("BM_TickPaint/Processes")->Unit(benchmark::kMicrosecond);
+
+// The Summary page after a tick as the window draws it, zoomed (percent): the whole device
+// screen through the zooming view, on a picture of the window's size.
+void BM_TickPaintZoomed(benchmark::State &state)
+{
+    const qreal zoom = state.range(0) / 100.0;
+    auto *screen = new QWidget;
+    screen->resize(320, 460);
+    auto *page = new iPhoneTotalViewController(screen);
+    page->resize(320, 460);
+    page->viewDidLoad();
+    const Tick tick = sample();
+    for (int i = 0; i < 60; ++i)
+        page->setCpuUsageData(CpuUsageData{quint32(10 + i), 5, 85, 15.0});
+    page->setMemoryUsageData(tick.memory);
+    ZoomView view(screen);
+    view.resize((QSizeF(320, 460) * zoom).toSize());
+    view.show();
+    QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
+    for (auto _ : state) {
+        image.fill(Qt::black);
+        static_cast<QWidget &>(view).render(&image); // the window as it paints, not the scene alone
+        benchmark::DoNotOptimize(image.bits());
+    }
+    state.counters["zoom"] = zoom;
+}
+BENCHMARK(BM_TickPaintZoomed)->Arg(100)->Arg(175)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 
