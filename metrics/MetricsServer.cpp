@@ -220,6 +220,7 @@ struct MetricsServer::Callbacks {
 MetricsServer::MetricsServer(StatCore &core, Device *device, QObject *parent)
     : QObject(parent)
     , _core(core)
+    , _fileSystems(core.rootDir())
     , _device(device)
 {
     if (_device)
@@ -436,7 +437,7 @@ MHD_Response *MetricsServer::metrics(MetricsExposition::Format format)
     CachedBody &cached = _cache[format == MetricsExposition::Format::OpenMetrics ? 1 : 0];
     if (cached.response && cached.age.isValid() && cached.age.elapsed() < cacheMs)
         return cached.response;
-    MetricsExposition::Sample sample = MetricsExposition::sample(_core);
+    MetricsExposition::Sample sample = MetricsExposition::sample(_core, &_fileSystems);
     if (!_deviceInfoAge.isValid() || _deviceInfoAge.elapsed() >= deviceInfoMs) {
         _deviceInfo = MetricsExposition::deviceInfo(_core);
         _deviceInfoAge.start();

@@ -79,6 +79,7 @@ private:
     void run();
 
     StatCore &_core;
+    FileSystemReader _fileSystems;
     QPointer<Device> _device;
     Limits _limits;
     WebConfig _web;
