@@ -5,6 +5,7 @@
 #include "StatCore.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <tuple>
 
@@ -38,22 +39,51 @@ public:
     }
 
     // labels: "" or `name="value"` pairs already escaped, comma-separated.
-    void sample(const char *name, const QByteArray &labels, const char *value)
+    void sample(const char *name, QByteArrayView labels, QByteArrayView value)
     {
         _out += name;
-        if (!labels.isEmpty())
-            _out += '{' + labels + '}';
+        if (!labels.isEmpty()) {
+            _out += '{';
+            _out += labels;
+            _out += '}';
+        }
         _out += ' ';
         _out += value;
         _out += '\n';
     }
 
-    void sample(const char *name, const QByteArray &labels, quint64 value)
+    void sample(const char *name, QByteArrayView labels, const char *value)
     {
-        sample(name, labels, QByteArray::number(value).constData());
+        sample(name, labels, QByteArrayView(value));
     }
 
-    void sample(const char *name, const QByteArray &labels, double value, const char *format)
+    void sample(const char *name, QByteArrayView labels, quint64 value)
+    {
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        sample(name, labels, QByteArrayView(digits, end - digits));
+    }
+
+    // ticks / perSecond with three decimals, as "%.3f" writes it, without floating point: a
+    // scrape writes hundreds of these.
+    void seconds(const char *name, QByteArrayView labels, quint64 ticks, quint64 perSecond)
+    {
+        quint64 whole = ticks / perSecond;
+        quint64 thousandths = ((ticks % perSecond) * 1000 + perSecond / 2) / perSecond;
+        if (thousandths == 1000) {
+            ++whole;
+            thousandths = 0;
+        }
+        char digits[32];
+        char *end = std::to_chars(digits, digits + 24, whole).ptr;
+        *end++ = '.';
+        *end++ = char('0' + thousandths / 100);
+        *end++ = char('0' + thousandths / 10 % 10);
+        *end++ = char('0' + thousandths % 10);
+        sample(name, labels, QByteArrayView(digits, end - digits));
+    }
+
+    void sample(const char *name, QByteArrayView labels, double value, const char *format)
     {
         sample(name, labels, Formatting::print(format, value).toLatin1().constData());
     }
@@ -71,25 +101,31 @@ private:
 };
 
 // A label pair with the value escaped as both formats want: backslash, double quote, line feed.
-QByteArray label(const char *name, const QString &value)
+QByteArray label(const char *name, QByteArrayView utf8)
 {
-    QByteArray escaped;
-    const QByteArray utf8 = value.toUtf8();
-    escaped.reserve(utf8.size() + 2);
+    QByteArray pair(name);
+    pair.reserve(pair.size() + utf8.size() + 4);
+    pair += "=\"";
     for (const char c : utf8) {
         if (c == '\\' || c == '"')
-            escaped += '\\';
+            pair += '\\';
         if (c == '\n')
-            escaped += "\\n";
+            pair += "\\n";
         else
-            escaped += c;
+            pair += c;
     }
-    return QByteArray(name) + "=\"" + escaped + '"';
+    pair += '"';
+    return pair;
+}
+
+QByteArray label(const char *name, const QString &value)
+{
+    return label(name, QByteArrayView(value.toUtf8()));
 }
 
 QByteArray label(const char *name, const char *value)
 {
-    return label(name, QString::fromLatin1(value));
+    return label(name, QByteArrayView(value));
 }
 
 // Media type and quality of one element of an Accept header.
@@ -171,14 +207,21 @@ QByteArray MetricsExposition::render(const Sample &sample, Format format)
 {
     Writer out(format);
 
-    const double perSecond = double(sample.clockTicksPerSecond > 0 ? sample.clockTicksPerSecond : 100);
+    const quint64 ticksPerSecond = quint64(sample.clockTicksPerSecond > 0 ? sample.clockTicksPerSecond : 100);
+    const double perSecond = double(ticksPerSecond);
     if (!sample.cpus.isEmpty()) {
         out.family("kovar_cpu_seconds_total", Type::Counter, "Seconds each CPU spent in each mode since boot.");
+        QByteArray labels;
         for (const HostCounterReader::CpuModes &cpu : sample.cpus) {
-            const QByteArray cpuLabel = label("cpu", QString::number(cpu.cpu)) + ',';
-            for (size_t mode = 0; mode < cpu.ticks.size(); ++mode)
-                out.sample("kovar_cpu_seconds_total", cpuLabel + label("mode", HostCounterReader::modeNames[mode]),
-                           double(cpu.ticks[mode]) / perSecond, "%.3f");
+            for (size_t mode = 0; mode < cpu.ticks.size(); ++mode) {
+                labels.resize(0);
+                labels += "cpu=\"";
+                labels += QByteArray::number(cpu.cpu);
+                labels += "\",mode=\"";
+                labels += HostCounterReader::modeNames[mode];
+                labels += '"';
+                out.seconds("kovar_cpu_seconds_total", labels, cpu.ticks[mode], ticksPerSecond);
+            }
         }
     }
 
@@ -245,20 +288,22 @@ QByteArray MetricsExposition::render(const Sample &sample, Format format)
             {"kovar_network_transmit_packets_total", "Packets sent by the network device."},
             {"kovar_network_transmit_errs_total", "Transmit errors of the network device."},
             {"kovar_network_transmit_drop_total", "Packets to send that the network device dropped."}};
+        QList<QByteArray> labels;
+        for (const HostCounterReader::NetDevice &device : sample.netDevices)
+            labels.append(label("device", QByteArrayView(device.name)));
         for (size_t i = 0; i < std::size(counters); ++i) {
             out.family(counters[i].first, Type::Counter, counters[i].second);
-            for (const HostCounterReader::NetDevice &device : sample.netDevices)
-                out.sample(counters[i].first, label("device", QString::fromUtf8(device.name)), device.counters[i]);
+            for (qsizetype d = 0; d < sample.netDevices.size(); ++d)
+                out.sample(counters[i].first, labels[d], sample.netDevices[d].counters[i]);
         }
     }
     if (!sample.wireless.isEmpty()) {
         out.family("kovar_wifi_signal_dbm", Type::Gauge, "Signal level of the Wi-Fi link, in dBm.");
         for (const SensorReader::Wireless &link : sample.wireless)
-            out.sample("kovar_wifi_signal_dbm", label("device", QString::fromUtf8(link.device)), link.signalDbm,
-                       "%.0f");
+            out.sample("kovar_wifi_signal_dbm", label("device", QByteArrayView(link.device)), link.signalDbm, "%.0f");
         out.family("kovar_wifi_link_quality", Type::Gauge, "Link quality of the Wi-Fi link, on the driver's scale.");
         for (const SensorReader::Wireless &link : sample.wireless)
-            out.sample("kovar_wifi_link_quality", label("device", QString::fromUtf8(link.device)), link.linkQuality,
+            out.sample("kovar_wifi_link_quality", label("device", QByteArrayView(link.device)), link.linkQuality,
                        "%.0f");
     }
 
@@ -272,9 +317,9 @@ QByteArray MetricsExposition::render(const Sample &sample, Format format)
             {"kovar_filesystem_files_free", "Free inodes of the file system.", &Usage::filesFree}};
         QList<QByteArray> labels;
         for (const FileSystemReader::FileSystem &fs : sample.fileSystems)
-            labels.append(label("device", QString::fromUtf8(fs.mount.device)) + ','
-                          + label("fstype", QString::fromUtf8(fs.mount.fsType)) + ','
-                          + label("mountpoint", QString::fromUtf8(fs.mount.mountPoint)));
+            labels.append(label("device", QByteArrayView(fs.mount.device)) + ','
+                          + label("fstype", QByteArrayView(fs.mount.fsType)) + ','
+                          + label("mountpoint", QByteArrayView(fs.mount.mountPoint)));
         for (const auto &[name, help, field] : figures) {
             out.family(name, Type::Gauge, help);
             for (qsizetype i = 0; i < sample.fileSystems.size(); ++i)
