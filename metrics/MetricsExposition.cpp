@@ -307,6 +307,13 @@ QByteArray MetricsExposition::render(const Sample &sample, Format format)
                        "%.0f");
     }
 
+    if (const auto &modem = sample.modem) {
+        out.family("kovar_modem_signal_quality_ratio", Type::Gauge,
+                   "Signal quality of the cellular modem, from 0 to 1, by its access technology.");
+        out.sample("kovar_modem_signal_quality_ratio", label("access_technology", modem->accessTechnology),
+                   modem->quality, "%.2f");
+    }
+
     if (!sample.fileSystems.isEmpty()) {
         using Usage = FileSystemReader::Usage;
         static constexpr std::tuple<const char *, const char *, quint64 Usage::*> figures[] = {

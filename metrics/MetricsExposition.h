@@ -4,6 +4,7 @@
 #include "FileSystemReader.h"
 #include "HostCounterReader.h"
 #include "MemoryUsageData.h"
+#include "ModemManagerCarrier.h"
 #include "ProcReader.h"
 #include "SensorReader.h"
 
@@ -45,6 +46,7 @@ public:
         QList<SensorReader::Charger> chargers;
         QList<SensorReader::Wireless> wireless;
         std::optional<HostCounterReader::OwnProcess> ownProcess;
+        std::optional<ModemManagerCarrier::Signal> modem; // the caller asks the bus, not sample()
         MemoryUsageData memory;
         DiskUsageData disk;
         float batteryLevel = -1.0f; // 0..1, or -1 when unknown

@@ -21,6 +21,9 @@ namespace {
 constexpr qint64 cacheMs = 500;
 // The device's names change with a rename at most; reading them is most of a sample's cost.
 constexpr qint64 deviceInfoMs = 60'000;
+// The modem's signal comes over the system bus: asked at most this often, and briefly.
+constexpr qint64 modemMs = 10'000;
+constexpr int modemCallMs = 250;
 // libmicrohttpd's own ceiling, far above ours: ours closes the oldest idle one instead of
 // turning the newcomer away.
 constexpr unsigned acceptLimit = 512;
@@ -443,6 +446,13 @@ MHD_Response *MetricsServer::metrics(MetricsExposition::Format format)
         _deviceInfoAge.start();
     }
     sample.deviceInfo = _deviceInfo;
+    if (!_modemAge.isValid() || _modemAge.elapsed() >= modemMs) {
+        ModemManagerCarrier modem(QDBusConnection::systemBus());
+        modem.setCallTimeout(modemCallMs);
+        _modem = modem.signal();
+        _modemAge.start();
+    }
+    sample.modem = _modem;
     if (_device) {
         sample.batteryLevel = _device->batteryLevel();
         sample.batteryState = batteryState(_device->batteryState());

@@ -100,4 +100,6 @@ private:
     CachedBody _cache[2];
     QList<std::pair<QByteArray, QString>> _deviceInfo;
     QElapsedTimer _deviceInfoAge;
+    std::optional<ModemManagerCarrier::Signal> _modem;
+    QElapsedTimer _modemAge;
 };

@@ -38,7 +38,10 @@ private Q_SLOTS:
         sample.deviceInfo = MetricsExposition::deviceInfo(core);
         sample.batteryLevel = battery.section(u' ', 0, 0).toFloat();
         const QStringList states{"unknown", "unplugged", "charging", "full"};
-        sample.batteryState = MetricsExposition::BatteryState(states.indexOf(battery.section(u' ', 1)));
+        sample.batteryState = MetricsExposition::BatteryState(states.indexOf(battery.section(u' ', 1, 1)));
+        if (!battery.section(u' ', 2).isEmpty())
+            sample.modem = ModemManagerCarrier::Signal{battery.section(u' ', 2, 2).toDouble(),
+                                                       battery.section(u' ', 3)};
         for (auto &[label, value] : sample.deviceInfo)
             value = label == "name" && name != u"-" ? name : value;
         const QString text = QString::fromUtf8(MetricsExposition::render(
