@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     HostCounterReader::parseMemoryExtras(text, length);
     HostCounterReader::parsePressureSome(text, length);
     if (const auto load = HostCounterReader::parseLoad(text, length))
-        FUZZ_CHECK(load->one >= 0.0 && load->five >= 0.0 && load->fifteen >= 0.0);
+        FUZZ_CHECK(std::isfinite(load->one) && std::isfinite(load->five) && std::isfinite(load->fifteen)
+                   && load->one >= 0.0 && load->five >= 0.0 && load->fifteen >= 0.0);
     // A device name becomes a label value: never empty, never with the line break that would end the sample.
     for (const HostCounterReader::NetDevice &device : HostCounterReader::parseNetDevices(text, length))
         FUZZ_CHECK(!device.name.isEmpty() && !device.name.contains('\n'));

@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -178,7 +179,7 @@ std::optional<HostCounterReader::Load> HostCounterReader::parseLoad(const char *
     for (int i = 0; i < 3; ++i) {
         bool ok = false;
         *targets[i] = fields[i].toDouble(&ok);
-        if (!ok || !(*targets[i] >= 0.0))
+        if (!ok || !(*targets[i] >= 0.0) || !std::isfinite(*targets[i]))
             return std::nullopt;
     }
     return load;
