@@ -3,6 +3,7 @@
 #include "LaunchIdiom.h"
 #include "ResourceImages.h"
 
+#include <QCoreApplication>
 #include <QGraphicsProxyWidget>
 #include <QScreen>
 #include <QShortcut>
@@ -140,7 +141,7 @@ void ZoomView::resizeEvent(QResizeEvent *event)
 void ZoomView::wheelEvent(QWheelEvent *event)
 {
     if (!(event->modifiers() & Qt::ControlModifier)) {
-        QGraphicsView::wheelEvent(event);
+        deliverWheel(event);
         return;
     }
     _wheelAngle += event->angleDelta().y();
@@ -149,4 +150,33 @@ void ZoomView::wheelEvent(QWheelEvent *event)
     if (steps != 0)
         setZoom(LaunchIdiom::steppedZoom(_zoom, steps));
     event->accept();
+}
+
+void ZoomView::deliverWheel(QWheelEvent *event)
+{
+    // Through a graphics proxy a wheel event reaches the widget under the pointer alone; in a
+    // window it goes on to the parents that want it, as the pager wants a sideways notch.
+    const QPointF inScreen = _proxy->mapFromScene(mapToScene(event->position().toPoint()));
+    // First to the screen itself, as it enters a window: the pager takes sideways turns there.
+    QWheelEvent entering(inScreen, event->globalPosition(), event->pixelDelta(), event->angleDelta(), event->buttons(),
+                         event->modifiers(), event->phase(), event->inverted(), event->source());
+    QCoreApplication::sendEvent(_deviceScreen, &entering);
+    if (entering.isAccepted()) {
+        event->accept();
+        return;
+    }
+    QWidget *under = _deviceScreen->childAt(inScreen.toPoint());
+    for (QWidget *widget = under; widget && widget != _deviceScreen; widget = widget->parentWidget()) {
+        if (widget->isEnabled()) {
+            QWheelEvent local(widget->mapFrom(_deviceScreen, inScreen), event->globalPosition(), event->pixelDelta(),
+                              event->angleDelta(), event->buttons(), event->modifiers(), event->phase(),
+                              event->inverted(), event->source());
+            QCoreApplication::sendEvent(widget, &local);
+            if (local.isAccepted()) {
+                event->accept();
+                return;
+            }
+        }
+    }
+    event->ignore();
 }

@@ -38,6 +38,7 @@ protected:
 private:
     qreal fittedZoom() const;
     void showAt(qreal zoom);
+    void deliverWheel(QWheelEvent *event);
 
     QWidget *_deviceScreen;
     QGraphicsProxyWidget *_proxy;

@@ -206,8 +206,9 @@ bool PagingScrollView::eventFilter(QObject *watched, QEvent *event)
 {
     // Taken on its way into the window, before the page under the pointer gets it (a list
     // would scroll sideways, or by pages with Shift) and before a page turn in progress,
-    // which swallows the wheel over its pages, can.
-    if (event->type() == QEvent::Wheel && watched == window()->windowHandle()) {
+    // which swallows the wheel over its pages, can. In a zoomed window the top-level widget
+    // is offered the wheel first in the window's stead.
+    if (event->type() == QEvent::Wheel && (watched == window()->windowHandle() || watched == window())) {
         auto *wheel = static_cast<QWheelEvent *>(event);
         const QWidget *under = window()->childAt(wheel->position().toPoint());
         if (under && (under == viewport() || viewport()->isAncestorOf(under)))

@@ -52,6 +52,12 @@ size() { xwininfo -id "$window" | awk '/Width:/ { w = $2 } /Height:/ { h = $2 } 
 # settles_at SIZE: the window takes that size within a few seconds.
 settles_at() { within 5 sh -c "[ \"\$(xwininfo -id $window | awk '/Width:/ { w = \$2 } /Height:/ { h = \$2 } END { print w \"x\" h }')\" = $1 ]"; size; }
 picture() { import -window "$window" "$work/$1.png"; }
+# place: X, Y, WIDTH and HEIGHT of the window's inside on the screen (xdotool's own figure
+# counts in the frame's title bar under some window managers).
+place() {
+    eval "$(xwininfo -id "$window" | awk '/Absolute upper-left X:/ { print "X=" $4 } /Absolute upper-left Y:/ { print "Y=" $4 }
+        /Width:/ { print "WIDTH=" $2 } /Height:/ { print "HEIGHT=" $2 }')"
+}
 # differs A B: how many pixels of the two pictures differ.
 differs() { compare -metric AE "$work/$1.png" "$work/$2.png" null: 2>&1 | cut -d' ' -f1; }
 
@@ -77,6 +83,39 @@ check "full screen" "$(settles_at 1920x1080)" 1920x1080
 wmctrl -i -r "$window" -b remove,fullscreen
 check "restored from full screen" "$(settles_at 560x840)" 560x840
 
+# Which page the titles mark at 175 %: the marked title is drawn orange, the others white.
+titles="92 208 326 443"
+marked() {
+    picture titles
+    i=0
+    for x in $titles; do
+        printf '%s %s\n' "$i" "$(convert "$work/titles.png" -crop "112x24+$x+40" +repage -format '%[fx:int(1000*(mean.r-mean.b))]' info:)"
+        i=$((i + 1))
+    done | sort -k2 -n | tail -n 1 | cut -d' ' -f1
+}
+sleep 0.5
+check "first page" "$(marked)" 0
+place
+cx=$((X + WIDTH / 2)) cy=$((Y + HEIGHT / 2))
+# A brisk flick, 150 pixels in 80 ms, turns exactly one page at any zoom.
+xdotool mousemove $((cx + 75)) $cy mousedown 1 sleep 0.02 mousemove $((cx + 25)) $cy sleep 0.02 \
+    mousemove $((cx - 25)) $cy sleep 0.02 mousemove $((cx - 75)) $cy sleep 0.02 mouseup 1
+sleep 1
+check "a brisk flick turns one page" "$(marked)" 1
+# A slow, short drag springs back.
+xdotool mousemove $((cx + 20)) $cy mousedown 1 sleep 0.3 mousemove $cx $cy sleep 0.3 mousemove $((cx - 20)) $cy sleep 0.3 mouseup 1
+sleep 1
+check "a slow short drag springs back" "$(marked)" 1
+# Shift with the wheel turns one page per notch.
+xdotool keydown shift click 5 keyup shift
+sleep 1
+check "Shift+wheel turns one page" "$(marked)" 2
+# A tap on a title shows its page.
+xdotool mousemove $((X + 148)) $((Y + 52)) click 1
+sleep 1
+check "a tap on Summary" "$(marked)" 0
+xdotool mousemove $cx $cy
+
 # The zoom keys: one step up, then back to 100 %.
 xdotool key --window "$window" ctrl+plus
 check "Ctrl+Plus" "$(settles_at 640x960)" 640x960
@@ -89,7 +128,7 @@ settles_at 320x480 >/dev/null
 
 # Every page scrolls by the wheel and by Down, and Up brings it back: a scroll moves much of the
 # picture, a refresh tick only its figures.
-eval "$(xdotool getwindowgeometry --shell "$window")"
+place
 xdotool mousemove $((X + WIDTH / 2)) $((Y + HEIGHT / 2))
 for page in summary processes system network; do
     picture "$page-top"
@@ -111,11 +150,21 @@ for page in summary processes system network; do
     sleep 0.8
 done
 
-# Ctrl+Q ends it with status 0 (a watchdog's SIGTERM after 10 s would give 143).
+# Ctrl+Q ends it with status 0, and so does the window manager closing the window (a
+# watchdog's SIGTERM after 10 s would give 143).
+ends() {
+    (sleep 10; kill "$kovar_pid" 2>/dev/null) &
+    watchdog=$!
+    wait "$kovar_pid"
+    check "$1" "$?" 0
+    kill "$watchdog" 2>/dev/null
+}
 xdotool key ctrl+q
-(sleep 10; kill "$kovar_pid" 2>/dev/null) &
-watchdog=$!
-wait "$kovar_pid"
-check "Ctrl+Q ends kovar" "$?" 0
-kill "$watchdog" 2>/dev/null
+ends "Ctrl+Q ends kovar"
+"$kovar" >"$work/kovar.log" 2>&1 &
+kovar_pid=$!
+pids="$kovar_pid $pids"
+within 20 find_window || { echo "FAIL: no window the second time"; exit 1; }
+wmctrl -i -c "$window"
+ends "closing the window ends kovar"
 exit $failed
