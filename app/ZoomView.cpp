@@ -60,8 +60,9 @@ void ZoomView::setZoom(qreal zoom)
         return;
     }
     const QSizeF points = _deviceScreen->size();
-    // Before the window is shown its frame is unknown: assume the largest one likely.
-    const QSize frame = isVisible() ? frameGeometry().size() - geometry().size() : LaunchIdiom::windowFrame;
+    // Before the window is shown its frame is unknown: the window is held to the screen again
+    // once it is shown.
+    const QSize frame = isVisible() ? frameGeometry().size() - geometry().size() : QSize(0, 0);
     const QScreen *onScreen = screen();
     const QRect available = onScreen ? onScreen->availableGeometry() : QRect();
     if (!available.isEmpty()) {
@@ -118,6 +119,8 @@ void ZoomView::showEvent(QShowEvent *event)
     QMetaObject::invokeMethod(
         this,
         [this] {
+            if (isWindow() && !fillsScreen(this))
+                setZoom(_zoom);
             if (_deviceScreen->focusWidget())
                 return;
             for (QWidget *next = _deviceScreen->nextInFocusChain(); next != _deviceScreen;

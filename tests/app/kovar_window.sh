@@ -161,10 +161,37 @@ ends() {
 }
 xdotool key ctrl+q
 ends "Ctrl+Q ends kovar"
-"$kovar" >"$work/kovar.log" 2>&1 &
+
+# The tablet, which 1080 pixels hold at 100 % with its frame: its System and Network lists
+# scroll by the wheel and by Down.
+"$kovar" --idiom tablet >"$work/kovar.log" 2>&1 &
 kovar_pid=$!
 pids="$kovar_pid $pids"
-within 20 find_window || { echo "FAIL: no window the second time"; exit 1; }
+within 20 find_window || { echo "FAIL: no tablet window"; exit 1; }
+check "tablet size" "$(settles_at 768x1024)" 768x1024
+xdotool windowactivate --sync "$window" >/dev/null 2>&1
+place
+xdotool mousemove $((X + 580)) $((Y + 750))
+for page in system network; do
+    picture "tablet-$page-top"
+    xdotool click --repeat 5 --delay 60 5
+    sleep 0.6
+    picture "tablet-$page-wheel"
+    xdotool key --repeat 10 --delay 30 Up
+    sleep 0.6
+    picture "tablet-$page-up"
+    xdotool key --repeat 10 --delay 30 Down
+    sleep 0.6
+    picture "tablet-$page-down"
+    # The list is a third of the window: a scroll moves a tenth of its pixels at least.
+    tenth=$((WIDTH * HEIGHT / 10))
+    moved_wheel=$(differs "tablet-$page-top" "tablet-$page-wheel")
+    moved_down=$(differs "tablet-$page-up" "tablet-$page-down")
+    check "tablet $page: the wheel scrolls" "$([ "$moved_wheel" -gt $tenth ] && echo scrolled || echo "$moved_wheel pixels")" scrolled
+    check "tablet $page: Down scrolls" "$([ "$moved_down" -gt $tenth ] && echo scrolled || echo "$moved_down pixels")" scrolled
+    xdotool key --repeat 10 --delay 30 Up key Right
+    sleep 0.8
+done
 wmctrl -i -c "$window"
 ends "closing the window ends kovar"
 exit $failed
