@@ -61,6 +61,33 @@ place() {
 # differs A B: how many pixels of the two pictures differ.
 differs() { compare -metric AE "$work/$1.png" "$work/$2.png" null: 2>&1 | cut -d' ' -f1; }
 
+# scroll_each_page PREFIX SHARE PAGE...: on each page in turn (Right between them), the wheel and
+# Down each move at least 1/SHARE of the window's pixels; Up brings the page back between them.
+scroll_each_page() {
+    prefix=$1 share=$2
+    shift 2
+    for page in "$@"; do
+        name="$prefix$page"
+        picture top
+        xdotool click --repeat 5 --delay 60 5
+        sleep 0.6
+        picture wheel
+        xdotool key --repeat 10 --delay 30 Up
+        sleep 0.6
+        picture up
+        xdotool key --repeat 10 --delay 30 Down
+        sleep 0.6
+        picture down
+        least=$((WIDTH * HEIGHT / share))
+        for way in "wheel top" "down up"; do
+            moved=$(differs $way)
+            check "$name: ${way%% *} scrolls" "$([ "$moved" -gt $least ] && echo scrolled || echo "$moved pixels")" scrolled
+        done
+        xdotool key --repeat 10 --delay 30 Up key Right
+        sleep 0.8
+    done
+}
+
 # 1920 x 1080 without a panel opens the phone at 175 %.
 check "first size" "$(settles_at 560x840)" 560x840
 xdotool windowactivate --sync "$window" >/dev/null 2>&1
@@ -130,25 +157,7 @@ settles_at 320x480 >/dev/null
 # picture, a refresh tick only its figures.
 place
 xdotool mousemove $((X + WIDTH / 2)) $((Y + HEIGHT / 2))
-for page in summary processes system network; do
-    picture "$page-top"
-    xdotool click --repeat 5 --delay 60 5
-    sleep 0.6
-    picture "$page-wheel"
-    xdotool key --repeat 10 --delay 30 Up
-    sleep 0.6
-    picture "$page-up"
-    xdotool key --repeat 10 --delay 30 Down
-    sleep 0.6
-    picture "$page-down"
-    moved_wheel=$(differs "$page-top" "$page-wheel")
-    moved_down=$(differs "$page-up" "$page-down")
-    quarter=$((WIDTH * HEIGHT / 4))
-    check "$page: the wheel scrolls" "$([ "$moved_wheel" -gt $quarter ] && echo scrolled || echo "$moved_wheel pixels")" scrolled
-    check "$page: Down scrolls" "$([ "$moved_down" -gt $quarter ] && echo scrolled || echo "$moved_down pixels")" scrolled
-    xdotool key --repeat 10 --delay 30 Up key Right
-    sleep 0.8
-done
+scroll_each_page "" 4 summary processes system network
 
 # Ctrl+Q ends it with status 0, and so does the window manager closing the window (a
 # watchdog's SIGTERM after 10 s would give 143).
@@ -163,7 +172,7 @@ xdotool key ctrl+q
 ends "Ctrl+Q ends kovar"
 
 # The tablet, which 1080 pixels hold at 100 % with its frame: its System and Network lists
-# scroll by the wheel and by Down.
+# (a third of the window) scroll by the wheel and by Down.
 "$kovar" --idiom tablet >"$work/kovar.log" 2>&1 &
 kovar_pid=$!
 pids="$kovar_pid $pids"
@@ -172,26 +181,7 @@ check "tablet size" "$(settles_at 768x1024)" 768x1024
 xdotool windowactivate --sync "$window" >/dev/null 2>&1
 place
 xdotool mousemove $((X + 580)) $((Y + 750))
-for page in system network; do
-    picture "tablet-$page-top"
-    xdotool click --repeat 5 --delay 60 5
-    sleep 0.6
-    picture "tablet-$page-wheel"
-    xdotool key --repeat 10 --delay 30 Up
-    sleep 0.6
-    picture "tablet-$page-up"
-    xdotool key --repeat 10 --delay 30 Down
-    sleep 0.6
-    picture "tablet-$page-down"
-    # The list is a third of the window: a scroll moves a tenth of its pixels at least.
-    tenth=$((WIDTH * HEIGHT / 10))
-    moved_wheel=$(differs "tablet-$page-top" "tablet-$page-wheel")
-    moved_down=$(differs "tablet-$page-up" "tablet-$page-down")
-    check "tablet $page: the wheel scrolls" "$([ "$moved_wheel" -gt $tenth ] && echo scrolled || echo "$moved_wheel pixels")" scrolled
-    check "tablet $page: Down scrolls" "$([ "$moved_down" -gt $tenth ] && echo scrolled || echo "$moved_down pixels")" scrolled
-    xdotool key --repeat 10 --delay 30 Up key Right
-    sleep 0.8
-done
+scroll_each_page "tablet " 10 system network
 wmctrl -i -c "$window"
 ends "closing the window ends kovar"
 exit $failed
