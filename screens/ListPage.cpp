@@ -51,6 +51,7 @@ void ListPage::layoutForSize()
 QListView *ListPage::buildTableView(QAbstractItemModel *model, QAbstractItemDelegate *delegate)
 {
     _tableView = new PageTableView(model, delegate, _baseView);
+    _tableView->setAccessibleName(_title);
     layoutTableView();
     _tableView->show();
     return _tableView;

@@ -42,6 +42,10 @@ void iPadTotalViewController::initWithFrame(const QRect &frame)
     _systemViewController->initWithFrame(QRect(QPoint(0, 0), page));
     _networkViewController = new iPadNetworkViewController(_pager->contentView());
     _networkViewController->initWithFrame(QRect(QPoint(page.width(), 0), page));
+
+    // The dots read as the pages' titles; a reader's tab turns the pager as a swipe would.
+    _pageControl->setTitles({_systemViewController->title(), _networkViewController->title()});
+    connect(_pageControl, &DotPageControl::pageRequested, _pager, &PagingScrollView::turnToPage);
 }
 
 void iPadTotalViewController::scrollViewDidEndDecelerating(PagingScrollView *scrollView)
