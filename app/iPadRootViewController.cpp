@@ -6,6 +6,7 @@
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
+#include "OOHistogramView.h"
 #include "StatCore.h"
 #include "iPadNetworkViewController.h"
 #include "iPadProcessesViewConroller.h"
@@ -50,6 +51,7 @@ void iPadRootViewController::viewDidLoad()
     _totalViewController = new iPadTotalViewController(this);
     _totalViewController->setDevice(_device);
     _totalViewController->initWithFrame(QRect(0, SummaryTop, W, H - SummaryTop - FooterHeight));
+    _totalViewController->cpuHistogramView()->setSampleInterval(RefreshIntervalMs);
     // The figures the panels show from the start, as on the phone.
     _totalViewController->setMemoryUsageData(_statCore->memoryUsage());
     _totalViewController->setDiskUsageData(_statCore->diskUsage());

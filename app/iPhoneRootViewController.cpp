@@ -6,6 +6,7 @@
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
+#include "OOHistogramView.h"
 #include "OOPageCellButton.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
@@ -51,6 +52,9 @@ void iPhoneRootViewController::viewDidLoad()
     _pageControl->setCurrentPage(0);
     _pageControl->setTitles(
         {QStringLiteral("Summary"), QStringLiteral("Processes"), QStringLiteral("System"), QStringLiteral("Network")});
+    // From the keyboard or a screen reader's tab list, as a tap on the tab would.
+    connect(_pageControl, &OOPageControl::pageRequested, this,
+            [this](int page) { buttonWasTouchUpInside(_tabButtons.value(page)); });
 
     _mainScrollView = new PagingScrollView(this);
     _mainScrollView->setGeometry(0, 0, W, H);
@@ -63,6 +67,7 @@ void iPhoneRootViewController::viewDidLoad()
     _totalViewController->setGeometry(0, 0, W, H);
     _totalViewController->setDevice(_device);
     _totalViewController->viewDidLoad();
+    _totalViewController->cpuHistogramView()->setSampleInterval(RefreshIntervalMs);
     _processesViewController = new iPhoneProcessesViewController(pages);
     _processesViewController->setGeometry(W, 0, W, H);
     _processesViewController->viewDidLoad();
@@ -122,6 +127,7 @@ void iPhoneRootViewController::viewDidLoad()
         button->setGeometry(left, 0, right - left, 20);
         button->setProperty("frame", QRectF(50 + i * q, 0, q, 20));
         button->setProperty("tag", i);
+        button->setAccessibleName(_pageControl->title(i));
         connect(button, &QAbstractButton::clicked, this, [this, button] { buttonWasTouchUpInside(button); });
         _tabButtons << button;
     }
