@@ -197,9 +197,6 @@ def main():
         wm = subprocess.Popen(['openbox'], env=dict(os.environ, DISPLAY=f':{display}'),
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) if shutil.which('openbox') else None
         time.sleep(1)  # for it to take the screen before the first window maps
-        # The reader's side of the bus: switched on as a screen reader does, before kovar starts.
-        subprocess.run(['gsettings', 'set', 'org.gnome.desktop.interface', 'toolkit-accessibility', 'true'],
-                       capture_output=True)
         import pyatspi
         for idiom in ('phone', 'tablet'):
             check_idiom(pyatspi, idiom, display)
