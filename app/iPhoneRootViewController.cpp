@@ -61,6 +61,7 @@ void iPhoneRootViewController::viewDidLoad()
     _mainScrollView->setContentSize(QSize(4 * W, _mainScrollView->height()));
     connect(_mainScrollView, &PagingScrollView::didEndDecelerating, this,
             &iPhoneRootViewController::scrollViewDidEndDecelerating);
+    _mainScrollView->setAccessibleName(_pageControl->title(0));
 
     QWidget *pages = _mainScrollView->contentView();
     _totalViewController = new iPhoneTotalViewController(pages);
@@ -156,6 +157,8 @@ void iPhoneRootViewController::refreshDiskUsage()
 void iPhoneRootViewController::showingPage(int page)
 {
     _pageControl->setCurrentPage(page);
+    // The pager is read as the page it shows when the focus comes to it.
+    _mainScrollView->setAccessibleName(_pageControl->title(page));
     _shownPage = page;
     if (page == 0 && _diskStale)
         refreshDiskUsage();

@@ -46,6 +46,7 @@ void iPadTotalViewController::initWithFrame(const QRect &frame)
     // The dots read as the pages' titles; a reader's tab turns the pager as a swipe would.
     _pageControl->setTitles({_systemViewController->title(), _networkViewController->title()});
     connect(_pageControl, &DotPageControl::pageRequested, _pager, &PagingScrollView::turnToPage);
+    _pager->setAccessibleName(_pageControl->titles().value(0));
 }
 
 void iPadTotalViewController::scrollViewDidEndDecelerating(PagingScrollView *scrollView)
@@ -55,6 +56,8 @@ void iPadTotalViewController::scrollViewDidEndDecelerating(PagingScrollView *scr
     if (scrollView != _pager || pageWidth <= 0)
         return;
     _pageControl->setCurrentPage(int(scrollView->contentOffset().x() / pageWidth));
+    // The pager is read as the page it shows when the focus comes to it.
+    _pager->setAccessibleName(_pageControl->titles().value(_pageControl->currentPage()));
 }
 
 bool iPadTotalViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const

@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """kovar as a screen reader sees it: started under Xvfb with a private D-Bus session and the AT-SPI
 bus, its accessible tree walked and checked, per idiom and page, against one table; then a tab is
-pressed through the reader's action and a tick is awaited.
+pressed through the reader's action, Tab is pressed on the keyboard (xdotool, where installed) and
+a tick is awaited.
 
 Usage: accessibility_walk.py KOVAR
 Exits 77 (skipped) only where the tools are missing: Xvfb, dbus-run-session, at-spi2-core, pyatspi."""
@@ -153,6 +154,23 @@ def check_idiom(pyatspi, idiom, display):
             action.doAction(names.index('press'))
             check(until(lambda: target.getState().contains(pyatspi.STATE_SELECTED), 5),
                   f'{idiom}: pressing the "{target.name}" tab shows and selects its page')
+            check(until(lambda: any(f[1] == target.name and f[0] in ('filler', 'scroll pane')
+                                    for f in walk(app, [])), 5),
+                  f'{idiom}: the pager is named after the page it shows, "{target.name}"')
+
+        if idiom == 'phone' and shutil.which('xdotool'):
+            # Tab goes round the page indicator and the pager (no banner is shown here).
+            def focused():
+                return [f'{f[0]} {f[1]}' for f in walk(app, []) if f[2].getState().contains(pyatspi.STATE_FOCUSED)]
+            order = [focused()]
+            for _ in range(2):
+                subprocess.run(['xdotool', 'key', 'Tab'], env=env)
+                time.sleep(0.5)
+                order.append(focused())
+            # The pager's viewport says it is focused along with the pager: the pager comes first.
+            expected = [['page tab list Pages'], [f'filler {target.name}'], ['page tab list Pages']]
+            check([o[:1] for o in order] == expected,
+                  f'{idiom}: Tab moves from the page indicator to the page shown and back: {order}')
 
         history = [f[2] for f in found if f[0] == 'chart' and f[1].startswith('CPU history')]
         figure = [f[2] for f in found if f[0] == 'label' and f[1].startswith('User ')]
