@@ -1,9 +1,8 @@
 #include "OOPageControl.h"
 
+#include "FocusRing.h"
 #include "FontTable.h"
 #include "OOPageCellButton.h"
-
-#include "FocusRing.h"
 
 #include <QAccessible>
 #include <QFontMetricsF>
