@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAccessible>
 #include <QColor>
 #include <QPointF>
 #include <QString>
@@ -25,6 +26,10 @@ public:
     void setCaption(const QString &caption) { _caption = caption; }
     // The caption and the text as one phrase, blanks of fixed-width figures folded.
     QString spokenText() const;
+    // What a screen reader takes the label for: static text, or a page's or panel's
+    // heading, or a column's header.
+    QAccessible::Role readAs() const { return _readAs; }
+    void setReadAs(QAccessible::Role role) { _readAs = role; }
 
     QColor textColor() const { return _textColor; }
     void setTextColor(const QColor &color);
@@ -48,6 +53,7 @@ protected:
 private:
     QString _text;
     QString _caption;
+    QAccessible::Role _readAs = QAccessible::StaticText;
     QColor _textColor = Qt::white;
     QColor _backgroundColor = Qt::transparent;
     QColor _shadowColor = Qt::transparent;

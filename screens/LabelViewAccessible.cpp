@@ -13,3 +13,8 @@ QString LabelViewAccessible::text(QAccessible::Text t) const
         return static_cast<const LabelView *>(widget())->spokenText();
     return QAccessibleWidget::text(t);
 }
+
+QAccessible::Role LabelViewAccessible::role() const
+{
+    return static_cast<const LabelView *>(widget())->readAs();
+}

@@ -31,6 +31,7 @@ void ListPage::viewDidLoad()
     auto *title = new LabelView(titleFrame, _title,
                                 FontTable::font(QStringLiteral("CourierNewPS-BoldMT"), _insets.titleSize), _baseView);
     title->setShadow(Qt::black, QPointF(2, 2));
+    title->setReadAs(QAccessible::Heading);
 }
 
 void ListPage::initWithFrame(const QRect &frame)

@@ -127,6 +127,7 @@ QWidget *SummaryPanels::addPanel(QWidget *container, const SummaryLayout &layout
     new PanelView(QRect(QPoint(), frames.frame.size()).marginsRemoved(frames.background), fill, 7, panel);
     LabelView *titleLabel = label(panel, layout.titleFrame, title, layout.titleSize);
     titleLabel->setShadow(Qt::black, QPointF(2, 2));
+    titleLabel->setReadAs(QAccessible::Heading);
     return panel;
 }
 

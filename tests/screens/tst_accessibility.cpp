@@ -28,8 +28,9 @@ class TestAccessibility : public QObject {
     {
         const QString kind = spec.section(u' ', 0, 0);
         const QStringList args = spec.section(u' ', 1).split(u' ', Qt::SkipEmptyParts);
-        if (kind == u"label") {
+        if (kind == u"label" || kind == u"heading") {
             auto label = std::make_unique<LabelView>();
+            label->setReadAs(kind == u"heading" ? QAccessible::Heading : QAccessible::StaticText);
             label->setCaption(spec.section(u' ', 1).section(u'|', 0, 0));
             label->setText(spec.section(u'|', 1));
             return label;
