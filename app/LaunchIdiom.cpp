@@ -1,6 +1,7 @@
 #include "LaunchIdiom.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -40,4 +41,36 @@ bool LaunchIdiom::isHandheld(QSize availableScreen)
     // A screen too short for the status bar and some content is no handheld's.
     return availableScreen.height() > availableScreen.width() && availableScreen.width() > 0
         && availableScreen.height() > 2 * statusBarHeight;
+}
+
+qreal LaunchIdiom::steppedZoom(qreal zoom, int steps)
+{
+    // Zooms closer than this are one step: window sizes are whole pixels.
+    constexpr qreal epsilon = 1e-3;
+    qreal stepped = zoom;
+    for (int i = 0; i < std::abs(steps); ++i) {
+        const qreal units = stepped / zoomStep;
+        stepped = steps > 0 ? (std::floor(units + epsilon) + 1) * zoomStep
+                            : (std::ceil(units - epsilon) - 1) * zoomStep;
+    }
+    return std::clamp(stepped, minimumZoom, maximumZoom);
+}
+
+qreal LaunchIdiom::firstZoom(Kind kind, QSize availableScreen, int requestedPercent)
+{
+    if (isHandheld(availableScreen))
+        return 1.0;
+    if (requestedPercent > 0)
+        return std::clamp(requestedPercent / 100.0, minimumZoom, maximumZoom);
+    const QSize window = kind == Kind::Phone ? phoneWindow : tabletWindow;
+    qreal zoom = 1.0;
+    for (qreal step = maximumZoom; step > 1.0; step -= zoomStep) {
+        const bool fits = window.height() * step + windowFrame.height() <= 0.9 * availableScreen.height()
+            && window.width() * step + windowFrame.width() <= availableScreen.width();
+        if (fits) {
+            zoom = step;
+            break;
+        }
+    }
+    return zoom;
 }

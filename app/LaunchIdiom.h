@@ -29,6 +29,19 @@ public:
     // the layout, the window is the screen's available size instead.
     static QSize windowSize(Kind kind, QSize availableScreen);
 
+    // The zoom a desktop window shows its screen at: 50 % to 300 % in steps of 25 %.
+    static constexpr qreal minimumZoom = 0.5;
+    static constexpr qreal maximumZoom = 3.0;
+    static constexpr qreal zoomStep = 0.25;
+    // The zoom step that many steps up (positive) or down from zoom, within the limits;
+    // a zoom between steps goes to the neighbouring step first.
+    static qreal steppedZoom(qreal zoom, int steps);
+    // The zoom the window opens at: the one asked for (a percentage, 0 for none), or the
+    // largest step at which the window with its frame takes at most 90 % of the available
+    // height and fits the available width, never below 100 %. A handheld's own screen is
+    // shown as it is.
+    static qreal firstZoom(Kind kind, QSize availableScreen, int requestedPercent = 0);
+
     // A portrait screen is taken to be a handheld's own.
     static bool isHandheld(QSize availableScreen);
 };

@@ -21,6 +21,10 @@ struct Parser {
     QCommandLineOption idiomOption{QStringLiteral("idiom"),
                                    QStringLiteral("Layout to use: phone or tablet (default: by screen size)."),
                                    QStringLiteral("phone|tablet")};
+    QCommandLineOption zoomOption{QStringLiteral("zoom"),
+                                  QStringLiteral("Open the window at this zoom, 50 to 300 percent (default: the "
+                                                 "largest step that fits the screen)."),
+                                  QStringLiteral("PERCENT")};
     QCommandLineOption adServerOption{QStringLiteral("ad-server"),
                                       QStringLiteral("Ask this ad server for banners instead of the build's "
                                                      "(also the environment variable KOVAR_AD_SERVER)."),
@@ -40,8 +44,8 @@ struct Parser {
         parser.setApplicationDescription(
             QStringLiteral("KOVAR shows what this device is doing: CPU, memory, disk, battery, "
                            "processes, system and network information."));
-        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, adServerOption,
-                           metricsOption, webConfigOption});
+        parser.addOptions({helpOption, versionOption, snapshotOption, screenshotOption, idiomOption, zoomOption,
+                           adServerOption, metricsOption, webConfigOption});
     }
 };
 
@@ -98,6 +102,15 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments, const QProcessE
         else
             options.error = QStringLiteral("Unknown idiom \"%1\": use phone or tablet").arg(idiom);
     }
+    if (p.parser.isSet(p.zoomOption)) {
+        const QString text = p.parser.value(p.zoomOption);
+        bool ok = false;
+        const int percent = text.endsWith(u'%') ? text.chopped(1).toInt(&ok) : text.toInt(&ok);
+        if (ok && percent >= 50 && percent <= 300)
+            options.zoomPercent = percent;
+        else if (options.error.isEmpty())
+            options.error = QStringLiteral("--zoom \"%1\" is not a percentage from 50 to 300").arg(text);
+    }
 
     const QString variable = environment.value(QStringLiteral("KOVAR_AD_SERVER"));
     const bool adServerOption = p.parser.isSet(p.adServerOption);
@@ -132,7 +145,8 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments, const QProcessE
     if (options.snapshot && options.serveMetrics && options.error.isEmpty())
         options.error = QStringLiteral("--snapshot prints once and --serve-metrics serves until stopped: choose one");
     for (const QCommandLineOption *windowless : {&p.snapshotOption, &p.metricsOption}) {
-        for (const QCommandLineOption *screenOnly : {&p.screenshotOption, &p.idiomOption, &p.adServerOption}) {
+        for (const QCommandLineOption *screenOnly :
+             {&p.screenshotOption, &p.idiomOption, &p.zoomOption, &p.adServerOption}) {
             if (p.parser.isSet(*windowless) && p.parser.isSet(*screenOnly) && options.error.isEmpty())
                 options.error = QStringLiteral("--%1 shows no screen, so it cannot go with --%2")
                                     .arg(windowless->names().first(), screenOnly->names().first());

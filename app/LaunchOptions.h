@@ -20,7 +20,8 @@ public:
     bool snapshot = false;
     QString screenshotDir; // empty: no screenshot run
     Idiom idiom = Idiom::Automatic;
-    QUrl adServer; // empty: the build's ad server
+    int zoomPercent = 0; // --zoom: 50 to 300; 0 lets the window fit the screen
+    QUrl adServer;       // empty: the build's ad server
     // --serve-metrics [ADDRESS:]PORT: no window, an HTTP endpoint for Prometheus instead.
     bool serveMetrics = false;
     QString metricsAddress;  // 127.0.0.1 unless given; an IPv6 address without brackets

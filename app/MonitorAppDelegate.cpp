@@ -4,12 +4,14 @@
 #include "GADBannerView.h"
 #include "LaunchIdiom.h"
 #include "LaunchOptions.h"
+#include "ZoomView.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QPalette>
+#include <QScreen>
 #include <QShortcut>
 #include <QWidget>
 
@@ -32,27 +34,27 @@ QWidget *makeOpaque(QWidget *widget, const QColor &color)
 MonitorAppDelegate::MonitorAppDelegate(QSize windowSize, Device *device, QObject *parent)
     : QObject(parent)
     , _device(device ? device : Device::currentDevice())
-    , _window(std::make_unique<QWidget>())
 {
+    // The device screen keeps its size in points; the window shows it zoomed.
+    auto *deviceScreen = makeOpaque(new QWidget, Qt::black);
+    deviceScreen->setObjectName(QStringLiteral("deviceScreen"));
+    deviceScreen->resize(windowSize);
+    _statusBar = makeOpaque(new QWidget(deviceScreen), Qt::black);
+    _statusBar->setObjectName(QStringLiteral("statusBar"));
+    _statusBar->setGeometry(0, 0, windowSize.width(), LaunchIdiom::statusBarHeight);
+
+    _rootView = new QWidget(deviceScreen);
+    _rootView->setObjectName(QStringLiteral("rootView"));
+    _rootView->setGeometry(0, LaunchIdiom::statusBarHeight, windowSize.width(),
+                           windowSize.height() - LaunchIdiom::statusBarHeight);
+
+    _window = std::make_unique<ZoomView>(deviceScreen);
     _window->setWindowTitle(QStringLiteral("KOVAR"));
     _window->setWindowIcon(QIcon(QStringLiteral(":/icons/kovar.svg")));
     // Linux's Quit key, named outright: platform themes without a key scheme have no Quit.
     auto *quit = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q), _window.get());
     quit->setContext(Qt::ApplicationShortcut);
     connect(quit, &QShortcut::activated, _window.get(), &QWidget::close);
-    // Portrait only: whatever the window manager tries, the device screen keeps its shape.
-    _window->setFixedSize(windowSize);
-    makeOpaque(_window.get(), Qt::black);
-
-    _statusBar = makeOpaque(new QWidget(_window.get()), Qt::black);
-    _statusBar->setObjectName(QStringLiteral("statusBar"));
-    _statusBar->setGeometry(0, 0, windowSize.width(), LaunchIdiom::statusBarHeight);
-
-    _rootView = new QWidget(_window.get());
-    _rootView->setObjectName(QStringLiteral("rootView"));
-    _rootView->setGeometry(0, LaunchIdiom::statusBarHeight, windowSize.width(),
-                           windowSize.height() - LaunchIdiom::statusBarHeight);
-
     _window->installEventFilter(this);
 }
 
@@ -63,7 +65,7 @@ MonitorAppDelegate::~MonitorAppDelegate()
     _window->removeEventFilter(this);
 }
 
-QWidget *MonitorAppDelegate::window() const
+ZoomView *MonitorAppDelegate::window() const
 {
     return _window.get();
 }
@@ -95,7 +97,13 @@ bool MonitorAppDelegate::application(QGuiApplication *application, const LaunchO
     // The status bar is the black band built with the window; the Summary page's battery
     // panel needs monitoring on before it reads the battery.
     _device->setBatteryMonitoringEnabled(true);
-    _window->show();
+    // A handheld's own screen is filled, within what its shell leaves; a desktop window
+    // opens at the size it was zoomed to.
+    const QScreen *screen = _window->screen();
+    if (screen && LaunchIdiom::isHandheld(screen->availableSize()))
+        _window->showMaximized();
+    else
+        _window->show();
     return true;
 }
 

@@ -10,9 +10,10 @@ class Device;
 class LaunchOptions;
 class QGuiApplication;
 class QWidget;
+class ZoomView;
 
 // The application delegate: owns the window (a band standing for the opaque black
-// status bar, and the root view under it), switches battery monitoring on while the
+// status bar, and the root view under it, drawn at the window's zoom), switches battery monitoring on while the
 // application is active and off while it is hidden or minimised. The idiom's subclass
 // installs the root screen. Ctrl+Q closes the window, and so does the window system
 // destroying it; the application ends when its window closes.
@@ -25,7 +26,8 @@ public:
     explicit MonitorAppDelegate(QSize windowSize, Device *device = nullptr, QObject *parent = nullptr);
     ~MonitorAppDelegate() override;
 
-    QWidget *window() const;
+    // The window, which shows the device screen (status bar and root view) zoomed.
+    ZoomView *window() const;
     QWidget *statusBar() const;
     QWidget *rootView() const; // the area under the status bar
 
@@ -55,7 +57,7 @@ protected:
 
 private:
     Device *_device;
-    std::unique_ptr<QWidget> _window;
+    std::unique_ptr<ZoomView> _window;
     QWidget *_statusBar = nullptr;
     QWidget *_rootView = nullptr;
     QGuiApplication *_application = nullptr;

@@ -3,6 +3,7 @@
 #include "MonitorAppDelegate_iPad.h"
 #include "MonitorAppDelegate_iPhone.h"
 #include "PagingScrollView.h"
+#include "ZoomView.h"
 #include "iPadRootViewController.h"
 #include "iPadTotalViewController.h"
 #include "iPhoneRootViewController.h"
@@ -56,7 +57,7 @@ int phonePages(MonitorAppDelegate *delegate, iPhoneRootViewController *root, con
     for (int page = 0; page < 4; ++page) {
         root->mainScrollView()->scrollToPage(page, false);
         root->scrollViewDidEndDecelerating(root->mainScrollView());
-        if (!save(delegate->window(), QRect(), directory, page + 1, names[page]))
+        if (!save(delegate->window()->deviceScreen(), QRect(), directory, page + 1, names[page]))
             return 1;
     }
     return 0;
@@ -65,7 +66,7 @@ int phonePages(MonitorAppDelegate *delegate, iPhoneRootViewController *root, con
 int tabletScreen(MonitorAppDelegate *delegate, iPadRootViewController *root, const QString &directory)
 {
     runTwoTicks(root->systemStateGetTimer(), [root] { root->refreshSystemState(); });
-    QWidget *window = delegate->window();
+    QWidget *window = delegate->window()->deviceScreen();
     if (!save(window, QRect(), directory, 1, "tablet"))
         return 1;
     iPadTotalViewController *summary = root->totalViewController();

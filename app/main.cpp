@@ -11,6 +11,7 @@
 #include "StatSnapshot.h"
 #include "TerminationSignals.h"
 #include "WebConfigWatch.h"
+#include "ZoomView.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -120,6 +121,8 @@ int main(int argc, char *argv[])
         screenshot && options.idiom == LaunchOptions::Idiom::Automatic ? LaunchOptions::Idiom::Phone : options.idiom,
         screen);
     const auto delegate = IdiomDelegate::create(idiom, LaunchIdiom::windowSize(idiom, screen));
+    if (!screenshot)
+        delegate->window()->setZoom(LaunchIdiom::firstZoom(idiom, screen, options.zoomPercent));
     delegate->application(&app, options);
     if (screenshot)
         return ScreenshotRunner::run(delegate.get(), options.screenshotDir);

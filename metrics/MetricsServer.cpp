@@ -21,6 +21,9 @@ namespace {
 constexpr qint64 cacheMs = 500;
 // The device's names change with a rename at most; reading them is most of a sample's cost.
 constexpr qint64 deviceInfoMs = 60'000;
+// The modem's signal comes over the system bus: asked at most this often, and briefly.
+constexpr qint64 modemMs = 10'000;
+constexpr int modemCallMs = 250;
 // libmicrohttpd's own ceiling, far above ours: ours closes the oldest idle one instead of
 // turning the newcomer away.
 constexpr unsigned acceptLimit = 512;
@@ -220,6 +223,7 @@ struct MetricsServer::Callbacks {
 MetricsServer::MetricsServer(StatCore &core, Device *device, QObject *parent)
     : QObject(parent)
     , _core(core)
+    , _fileSystems(core.rootDir())
     , _device(device)
 {
     if (_device)
@@ -436,12 +440,19 @@ MHD_Response *MetricsServer::metrics(MetricsExposition::Format format)
     CachedBody &cached = _cache[format == MetricsExposition::Format::OpenMetrics ? 1 : 0];
     if (cached.response && cached.age.isValid() && cached.age.elapsed() < cacheMs)
         return cached.response;
-    MetricsExposition::Sample sample = MetricsExposition::sample(_core);
+    MetricsExposition::Sample sample = MetricsExposition::sample(_core, &_fileSystems);
     if (!_deviceInfoAge.isValid() || _deviceInfoAge.elapsed() >= deviceInfoMs) {
         _deviceInfo = MetricsExposition::deviceInfo(_core);
         _deviceInfoAge.start();
     }
     sample.deviceInfo = _deviceInfo;
+    if (!_modemAge.isValid() || _modemAge.elapsed() >= modemMs) {
+        ModemManagerCarrier modem(QDBusConnection::systemBus());
+        modem.setCallTimeout(modemCallMs);
+        _modem = modem.signal();
+        _modemAge.start();
+    }
+    sample.modem = _modem;
     if (_device) {
         sample.batteryLevel = _device->batteryLevel();
         sample.batteryState = batteryState(_device->batteryState());

@@ -79,6 +79,7 @@ private:
     void run();
 
     StatCore &_core;
+    FileSystemReader _fileSystems;
     QPointer<Device> _device;
     Limits _limits;
     WebConfig _web;
@@ -99,4 +100,6 @@ private:
     CachedBody _cache[2];
     QList<std::pair<QByteArray, QString>> _deviceInfo;
     QElapsedTimer _deviceInfoAge;
+    std::optional<ModemManagerCarrier::Signal> _modem;
+    QElapsedTimer _modemAge;
 };

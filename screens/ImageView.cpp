@@ -6,6 +6,7 @@
 
 ImageView::ImageView(const QRect &frame, const QString &imageName, QWidget *parent)
     : QWidget(parent)
+    , _imageName(imageName)
     , _image(ResourceImages::pixmap(imageName))
 {
     setGeometry(frame);
@@ -14,6 +15,8 @@ ImageView::ImageView(const QRect &frame, const QString &imageName, QWidget *pare
 
 void ImageView::paintEvent(QPaintEvent *)
 {
+    if (!_image.isNull() && _image.devicePixelRatio() != ResourceImages::keptScale())
+        _image = ResourceImages::pixmap(_imageName);
     if (_image.isNull())
         return;
     QPainter painter(this);

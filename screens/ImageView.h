@@ -4,7 +4,8 @@
 #include <QWidget>
 
 // An image stretched over the view's frame: the backgrounds and the glass highlights
-// that lie over the charts. It takes no input, so what lies under it still does.
+// that lie over the charts. It takes no input, so what lies under it still does. When the
+// window is zoomed, the image is taken again at the density it is then kept at.
 class ImageView : public QWidget {
     Q_OBJECT
 public:
@@ -16,5 +17,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    QString _imageName;
     QPixmap _image;
 };

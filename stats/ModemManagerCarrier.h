@@ -3,6 +3,7 @@
 #include "CarrierInfo.h"
 
 #include <QDBusConnection>
+#include <QString>
 
 #include <optional>
 
@@ -16,6 +17,14 @@ public:
     void setCallTimeout(int milliseconds);
 
     std::optional<CarrierInfo> carrier() const;
+
+    // The first modem's signal: quality from 0 to 1 and its newest access technology
+    // ("lte", "umts", ...); nullopt without ModemManager or a modem.
+    struct Signal {
+        double quality = 0.0;
+        QString accessTechnology;
+    };
+    std::optional<Signal> signal() const;
 
     // The carrier from the system bus, as the application asks for it.
     static std::optional<CarrierInfo> fromSystemBus();

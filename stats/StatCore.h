@@ -48,6 +48,9 @@ public:
     // metrics endpoint); leaves the stored sample alone. nullopt when unreadable.
     std::optional<ProcReader::CpuTicks> cpuTicksSinceBoot() const { return _reader.cpuTicks(); }
     long clockTicksPerSecond() const { return _clockTicks; }
+    QString rootDir() const { return _reader.rootDir(); }
+    long pageSize() const { return _pageSize; }
+    std::optional<qint64> bootTime() const { return _reader.bootTime(); }
     MemoryUsageData memoryUsage() const;
     DiskUsageData diskUsage() const;
     // What diskUsage() asks the file system with: statvfs(2) unless replaced (tests stand

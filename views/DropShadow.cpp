@@ -1,5 +1,8 @@
 #include "DropShadow.h"
 
+#include <QCache>
+#include <QDataStream>
+#include <QIODevice>
 #include <QImage>
 #include <QPaintEngine>
 #include <QPainter>
@@ -12,6 +15,30 @@
 #include <vector>
 
 namespace {
+
+// The shadows are of outlines that seldom change (frames, rings, bars), while blurring costs more
+// than all the rest of a chart's drawing, the more so on dense or zoomed screens: each blurred
+// image is kept for the next paint, keyed by the shape, its place, the scale and the blur.
+constexpr qsizetype ShadowCacheBytes = 4 * 1024 * 1024;
+
+QCache<QByteArray, QImage> &shadowCache()
+{
+    static QCache<QByteArray, QImage> cache(ShadowCacheBytes);
+    return cache;
+}
+
+QByteArray shadowKey(const QPainterPath &area, qreal areaOpacity, qreal scale, qreal sigma)
+{
+    QByteArray key;
+    key.reserve(area.elementCount() * 20 + 32);
+    QDataStream stream(&key, QIODevice::WriteOnly);
+    stream << areaOpacity << scale << sigma << qint32(area.fillRule());
+    for (int i = 0; i < area.elementCount(); ++i) {
+        const QPainterPath::Element e = area.elementAt(i);
+        stream << qint8(e.type) << e.x << e.y;
+    }
+    return key;
+}
 
 // How many device pixels one logical unit spans on the painter's target,
 // including the device pixel ratio of an image or widget backing store.
@@ -108,16 +135,24 @@ void DropShadow::paintShadow(QPainter &painter, const QPainterPath &area, qreal 
     if (pixels.isEmpty())
         return;
 
-    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    {
-        QPainter shadowPainter(&image);
-        shadowPainter.setRenderHint(QPainter::Antialiasing);
-        shadowPainter.scale(scale, scale);
-        shadowPainter.translate(-bounds.topLeft());
-        shadowPainter.fillPath(area, QColor::fromRgbF(0.0, 0.0, 0.0, std::clamp(areaOpacity, 0.0, 1.0)));
+    const QByteArray key = shadowKey(area, areaOpacity, scale, sigma);
+    QImage image;
+    if (const QImage *kept = shadowCache().object(key)) {
+        image = *kept;
+    } else {
+        image = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        {
+            QPainter shadowPainter(&image);
+            shadowPainter.setRenderHint(QPainter::Antialiasing);
+            shadowPainter.scale(scale, scale);
+            shadowPainter.translate(-bounds.topLeft());
+            shadowPainter.fillPath(area, QColor::fromRgbF(0.0, 0.0, 0.0, std::clamp(areaOpacity, 0.0, 1.0)));
+        }
+        gaussianBlurAlpha(image, sigma * scale);
+        // Shared, not copied; an image larger than the whole cache is simply not kept.
+        shadowCache().insert(key, new QImage(image), std::max<qsizetype>(1, image.sizeInBytes()));
     }
-    gaussianBlurAlpha(image, sigma * scale);
 
     painter.save();
     painter.setOpacity(painter.opacity() * Opacity);

@@ -7,6 +7,10 @@
 #include "LaunchIdiom.h"
 #include "LaunchOptions.h"
 #include "MonitorAppDelegate_iPad.h"
+#include "MonitorAppDelegate_iPhone.h"
+#include "PagingScrollView.h"
+#include "ZoomView.h"
+#include "iPhoneRootViewController.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -57,9 +61,83 @@ private Q_SLOTS:
         const QImage image = delegate->window()->grab().toImage();
         QVERIFY(image.pixelColor(0, 0) == Qt::black && image.pixelColor(window.width() - 1, 19) == Qt::black);
         QVERIFY(image.pixelColor(window.width() / 2, 20) != QColor(Qt::black));
-        // Portrait only: the window manager cannot reshape it.
+        // A window made wide shows the portrait screen zoomed to its height, centred on black.
         delegate->window()->resize(window.height(), window.width());
-        QCOMPARE(delegate->window()->size(), window);
+        QCOMPARE(delegate->window()->size(), window.transposed());
+        QCOMPARE(delegate->window()->zoom(), qreal(window.width()) / window.height());
+        const QImage wide = delegate->window()->grab().toImage();
+        const int margin = (window.height() - window.width() * window.width() / window.height()) / 2;
+        QCOMPARE(wide.pixelColor(margin / 2, window.width() / 2), QColor(Qt::black));
+        QVERIFY(wide.pixelColor(margin + 20, window.width() / 2) != QColor(Qt::black));
+        QCOMPARE(wide.pixelColor(window.height() - margin / 2, window.width() / 2), QColor(Qt::black));
+    }
+
+    // The zoom keys and the wheel, on a phone window in the offscreen screen: "Ctrl+=" for
+    // Ctrl+Plus, "wheel:N" for Ctrl+wheel by N eighths of a degree, "resize:WxH" for the
+    // window manager's resizing; then the zoom, the window's size and the page that Right
+    // turns to (keys still reach the screen's widgets).
+    void zoom_data() { FixtureTree::addRows("app-zoom.tsv", {"inputs", "zoom", "window", "page"}); }
+    void zoom()
+    {
+        QFETCH(QString, inputs);
+        QFETCH(QString, zoom);
+        QFETCH(QString, window);
+        QFETCH(QString, page);
+        Device device(laptop);
+        MonitorAppDelegate_iPhone delegate(QSize(320, 480), &device);
+        delegate.application(qApp, LaunchOptions());
+        ZoomView *view = delegate.window();
+        view->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(view));
+        for (const QString &input : inputs.split(u' ', Qt::SkipEmptyParts)) {
+            if (input.startsWith(u"resize:")) {
+                view->resize(QSize(input.section(u':', 1).section(u'x', 0, 0).toInt(), input.section(u'x', 1).toInt()));
+            } else if (input.startsWith(u"wheel:")) {
+                const QPointF at(view->width() / 2, view->height() / 2);
+                QWheelEvent wheel(at, view->mapToGlobal(at), QPoint(), QPoint(0, input.section(u':', 1).toInt()),
+                                  Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+                QApplication::sendEvent(view->viewport(), &wheel);
+            } else {
+                QTest::keySequence(view, QKeySequence::fromString(input));
+            }
+        }
+        QCOMPARE(qRound(view->zoom() * 100), zoom.toInt());
+        QCOMPARE(QStringLiteral("%1x%2").arg(view->width()).arg(view->height()), window);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
+        QTRY_COMPARE(QString::number(delegate.rootViewController()->mainScrollView()->targetPage()), page);
+    }
+
+    // The screen at 150 % is the screen at 100 % with every frame half as large again: where
+    // the picture at 100 % is flat, the one at 150 % has the same colour at 1.5 times the place.
+    void framesScaleWithZoom()
+    {
+        Device device(laptop);
+        MonitorAppDelegate_iPhone delegate(QSize(320, 480), &device);
+        delegate.application(qApp, LaunchOptions());
+        ZoomView *view = delegate.window();
+        const QImage plain = view->grab().toImage();
+        view->resize(480, 720);
+        QCOMPARE(view->zoom(), 1.5);
+        const QImage zoomed = view->grab().toImage();
+        QCOMPARE(zoomed.size(), QSize(480, 720));
+        int compared = 0;
+        for (int y = 2; y < 478; y += 6) {
+            for (int x = 2; x < 318; x += 6) {
+                const QRgb c = plain.pixel(x, y);
+                bool flat = true;
+                for (int dy = -2; dy <= 2 && flat; ++dy)
+                    for (int dx = -2; dx <= 2 && flat; ++dx)
+                        flat = plain.pixel(x + dx, y + dy) == c;
+                if (!flat)
+                    continue;
+                ++compared;
+                const QColor z = zoomed.pixelColor(int((x + 0.5) * 1.5), int((y + 0.5) * 1.5));
+                QVERIFY2(std::abs(z.red() - qRed(c)) + std::abs(z.green() - qGreen(c)) + std::abs(z.blue() - qBlue(c))
+                             <= 12,
+                         qPrintable(QStringLiteral("at %1,%2").arg(x).arg(y)));
+            }
+        }
+        QVERIFY(compared > 500);
     }
 
     void monitoringFollowsState_data() { FixtureTree::addRows("app-monitoring.tsv", {"steps", "monitoring"}); }

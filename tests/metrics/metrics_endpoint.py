@@ -72,7 +72,7 @@ check(status == 200 and headers['Content-Type'] == 'text/plain; version=0.0.4; c
 lint = subprocess.run(['promtool', 'check', 'metrics'], input=text, capture_output=True)
 check(lint.returncode == 0 and not lint.stdout.strip(),
       'promtool check metrics finds nothing to say: ' + (lint.stdout + lint.stderr).decode().strip())
-for family in [b'kovar_cpu_seconds_total{mode="user"}', b'kovar_memory_bytes{class="free"}', b'kovar_processes ',
+for family in [b'kovar_cpu_seconds_total{cpu="0",mode="user"}', b'kovar_memory_available_bytes ', b'kovar_memory_bytes{class="free"}', b'kovar_processes ',
                b'kovar_disk_available_bytes ', b'kovar_battery_state{state="unknown"}', b'kovar_device_info{']:
     check(family in text, f'the text format has {family.decode()}')
 machine_id = open('/etc/machine-id', 'rb').read().strip() if os.path.exists('/etc/machine-id') else b''
@@ -338,7 +338,9 @@ probe.bind(('127.0.0.1', 0))
 prometheus_port = probe.getsockname()[1]
 probe.close()
 with open(f'{data}/prometheus.yml', 'w') as config:
-    config.write('global:\n  scrape_interval: 1s\n  scrape_timeout: 1s\nscrape_configs:\n  - job_name: kovar\n'
+    rules = os.path.join(os.path.dirname(os.path.abspath(__file__)), '../../resources/prometheus/kovar-rules.yml')
+    config.write(f'global:\n  scrape_interval: 1s\n  scrape_timeout: 1s\nrule_files: ["{rules}"]\n'
+                 'scrape_configs:\n  - job_name: kovar\n'
                  f'    static_configs:\n      - targets: ["127.0.0.1:{port}"]\n'
                  '  - job_name: kovar-tls\n    scheme: https\n'
                  f'    tls_config:\n      ca_file: {data}/server.crt\n'
@@ -366,18 +368,37 @@ try:
     check(up, 'Prometheus scrapes kovar: up is 1')
     secure_up = until(lambda: list(query(f'up{{job="kovar-tls",instance="127.0.0.1:{secure_port}"}}').values()) == [1.0], 30)
     check(secure_up, 'Prometheus scrapes kovar over HTTPS with basic auth: up is 1')
+    with urllib.request.urlopen(f'http://127.0.0.1:{prometheus_port}/api/v1/rules', timeout=5) as reply:
+        loaded = [rule for group in json.load(reply)['data']['groups'] for rule in group['rules']]
+    check(len(loaded) == 6 and all(rule['health'] != 'err' for rule in loaded),
+          f'Prometheus loads the alerting rules: {[(r["name"], r["health"]) for r in loaded]}')
     until(lambda: len(query('count_over_time(kovar_memory_physical_bytes[4s])')) and
           list(query('count_over_time(kovar_memory_physical_bytes[4s])').values())[0] >= 3, 30)
     snapshot = json.loads(subprocess.run([KOVAR, '--snapshot'], capture_output=True, check=True).stdout)
     at = time.time()
     time.sleep(1.5)  # the scrape after the snapshot
-    rates = {dict(k)['mode']: v for k, v in query('rate(kovar_cpu_seconds_total[2500ms])', at).items()}
+    rates = [(dict(k)['cpu'], dict(k)['mode'], v) for k, v in query('rate(kovar_cpu_seconds_total{job="kovar"}[2500ms])', at).items()]
+    cpus = int(next(row['Value'] for row in snapshot['systemInfo']['CPUInfo'] if row['Key'] == 'Number of Cpus'))
+    per_cpu = {}
+    for name, _, rate in rates:
+        per_cpu[name] = per_cpu.get(name, 0) + rate
+    total = sum(per_cpu.values())
+    check(len(per_cpu) == cpus and abs(total - cpus) < 0.15 * cpus,
+          f'CPU seconds per second, all modes: {total:.2f} over {len(per_cpu)} CPUs in Prometheus, {cpus} CPUs in the snapshot')
+    check(all(abs(rate - 1) < 0.25 for rate in per_cpu.values()),
+          f'each CPU spends one second per second in its modes: {per_cpu}')
+    # The Summary page's classes: niced work in user, interrupts in system, iowait in idle, steal left out.
+    modes = {}
+    for _, mode, rate in rates:
+        modes[mode] = modes.get(mode, 0) + rate
+    busy = 100 * sum(modes.get(m, 0) for m in ['user', 'nice', 'system', 'irq', 'softirq']) / max(total - modes.get('steal', 0), 1e-9)
     cpu = snapshot['cpuUsage']
-    ticks = cpu['user'] + cpu['system'] + cpu['idle']
-    check(abs(sum(rates.values()) - ticks / 100) < 0.15 * ticks / 100,
-          f'CPU seconds per second, all modes: {sum(rates.values()):.2f} in Prometheus, {ticks / 100:.2f} in the snapshot')
-    busy = 100 * (rates.get('user', 0) + rates.get('system', 0)) / max(sum(rates.values()), 1e-9)
     check(abs(busy - cpu['usage']) < 25, f'CPU busy: {busy:.1f} % in Prometheus, {cpu["usage"]:.1f} % in the snapshot')
+    with open('/proc/meminfo') as meminfo:
+        available = 1024 * int(next(line.split()[1] for line in meminfo if line.startswith('MemAvailable:')))
+    exported = list(query('kovar_memory_available_bytes{job="kovar"}').values())
+    check(len(exported) == 1 and abs(exported[0] - available) < 0.03 * snapshot['memoryUsage']['physical'],
+          f'available memory: {exported} in Prometheus, {available} in /proc/meminfo')
     memory = snapshot['memoryUsage']
     gauges = {dict(k).get('class', 'physical'): v
               for k, v in (query('kovar_memory_bytes', at) | query('kovar_memory_physical_bytes', at)).items()}

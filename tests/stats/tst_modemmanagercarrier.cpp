@@ -58,6 +58,32 @@ private Q_SLOTS:
                  expected);
         QVERIFY(!carrier || !carrier->allowsVOIP);
     }
+
+    void signal_data() { FixtureTree::addRows("modem-signal.tsv", {"quality", "technologies", "expected"}); }
+    void signal()
+    {
+        QFETCH(QString, quality);
+        QFETCH(QString, technologies);
+        QFETCH(QString, expected);
+        for (const QString &path : std::as_const(objects))
+            QVERIFY(bus.callMock(kManagerPath, QStringLiteral("RemoveObject"), {path}));
+        objects.clear();
+        if (quality != u"-") {
+            QDBusArgument pair;
+            pair.beginStructure();
+            pair << quality.toUInt() << true;
+            pair.endStructure();
+            objects << kManagerPath + QStringLiteral("/Modem/0");
+            QVERIFY(bus.callMock(kManagerPath, QStringLiteral("AddObject"),
+                                 {objects.last(), kService + QStringLiteral(".Modem"),
+                                  QVariantMap{{"SignalQuality", QVariant::fromValue(pair)},
+                                              {"AccessTechnologies", technologies.toUInt()}},
+                                  QVariantList()}));
+        }
+        const auto signal = ModemManagerCarrier(bus.connection()).signal();
+        QCOMPARE(signal ? QStringLiteral("%1 %2").arg(signal->quality).arg(signal->accessTechnology) : QString(),
+                 expected);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestModemManagerCarrier)
