@@ -3,6 +3,7 @@
 #include "ADControlForiPad.h"
 #include "ActivationWatch.h"
 #include "Device.h"
+#include "FocusCycle.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
@@ -116,4 +117,10 @@ void iPadRootViewController::reloadNetworkData()
 bool iPadRootViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const
 {
     return orientation == InterfaceOrientation::Portrait;
+}
+
+bool iPadRootViewController::focusNextPrevChild(bool next)
+{
+    // Round this screen's own widgets, whatever window shows it.
+    return FocusCycle::step(this, next);
 }

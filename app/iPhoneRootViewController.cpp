@@ -3,6 +3,7 @@
 #include "ADControl.h"
 #include "ActivationWatch.h"
 #include "Device.h"
+#include "FocusCycle.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
@@ -212,4 +213,10 @@ void iPhoneRootViewController::receiveAd(const QVariantMap &)
     _processesViewController->setFrameForAd();
     _systemViewController->setFrameForAd();
     _networkViewController->setFrameForAd();
+}
+
+bool iPhoneRootViewController::focusNextPrevChild(bool next)
+{
+    // Round this screen's own widgets, whatever window shows it.
+    return FocusCycle::step(this, next);
 }

@@ -12,7 +12,9 @@
 #include "TerminationSignals.h"
 #include "WebConfigWatch.h"
 #include "ZoomView.h"
+#include "ZoomViewAccessible.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QCoreApplication>
 #include <QHostAddress>
@@ -115,6 +117,7 @@ int main(int argc, char *argv[])
     QApplication &app = *application;
     // Before any window exists, so that a screen reader never sees the widgets undescribed.
     ScreensAccessibility::install();
+    QAccessible::installFactory(&ZoomViewAccessible::factory);
     const QSize screen = app.primaryScreen() ? app.primaryScreen()->availableSize() : QSize();
     // Screenshots show the phone layout unless a layout is asked for.
     const LaunchIdiom::Kind idiom = LaunchIdiom::choose(
