@@ -138,6 +138,8 @@ void iPhoneRootViewController::viewDidLoad()
     // widget stay hidden until shown.
     for (QWidget *child : findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
         child->show();
+    // The keys start on the pages, as they always did; Tab goes round to the titles.
+    _mainScrollView->setFocus(Qt::OtherFocusReason);
 }
 
 void iPhoneRootViewController::refreshSystemState()

@@ -47,6 +47,8 @@ void iPadTotalViewController::initWithFrame(const QRect &frame)
     _pageControl->setTitles({_systemViewController->title(), _networkViewController->title()});
     connect(_pageControl, &DotPageControl::pageRequested, _pager, &PagingScrollView::turnToPage);
     _pager->setAccessibleName(_pageControl->titles().value(0));
+    // The keys start on the pager, as they always did; Tab goes on to the process list.
+    _pager->setFocus(Qt::OtherFocusReason);
 }
 
 void iPadTotalViewController::scrollViewDidEndDecelerating(PagingScrollView *scrollView)
