@@ -24,15 +24,15 @@ class TestAccessibility : public QObject {
     Q_OBJECT
 
     // The widget a table row describes.
-    static std::unique_ptr<QWidget> build(const QString &spec)
+    static std::unique_ptr<QWidget> build(const QString &described)
     {
-        const QString kind = spec.section(u' ', 0, 0);
-        const QStringList args = spec.section(u' ', 1).split(u' ', Qt::SkipEmptyParts);
+        const QString kind = described.section(u' ', 0, 0);
+        const QStringList args = described.section(u' ', 1).split(u' ', Qt::SkipEmptyParts);
         if (kind == u"label" || kind == u"heading") {
             auto label = std::make_unique<LabelView>();
             label->setReadAs(kind == u"heading" ? QAccessible::Heading : QAccessible::StaticText);
-            label->setCaption(spec.section(u' ', 1).section(u'|', 0, 0));
-            label->setText(spec.section(u'|', 1));
+            label->setCaption(described.section(u' ', 1).section(u'|', 0, 0));
+            label->setText(described.section(u'|', 1));
             return label;
         }
         if (kind == u"histogram") {
@@ -55,7 +55,7 @@ class TestAccessibility : public QObject {
             return view;
         }
         if (kind == u"pie" || kind == u"bar") {
-            const QStringList parts = spec.section(u' ', 1).split(u'|');
+            const QStringList parts = described.section(u' ', 1).split(u'|');
             const QStringList values = parts.value(2).split(u' ', Qt::SkipEmptyParts);
             std::unique_ptr<QWidget> widget;
             if (kind == u"pie") {
@@ -78,7 +78,7 @@ class TestAccessibility : public QObject {
             widget->setAccessibleName(parts[0]);
             return widget;
         }
-        const QStringList titles = spec.section(u' ', 3).split(u',', Qt::SkipEmptyParts);
+        const QStringList titles = described.section(u' ', 3).split(u',', Qt::SkipEmptyParts);
         if (args[0] == u"titled") {
             auto control = std::make_unique<OOPageControl>(QRect(0, 0, 270, 20), int(titles.size()));
             control->setTitles(QVariantList(titles.begin(), titles.end()));
