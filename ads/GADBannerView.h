@@ -11,7 +11,8 @@
 class GADBannerViewDelegate;
 
 // The ad network's banner: asks the ad server for a banner, fetches its image, shows it
-// scaled into its frame and opens the banner's address in the browser when clicked.
+// scaled into its frame and opens the banner's address in the browser when clicked, or
+// from the keyboard (Return, Enter or Space) once Tab has brought the focus to it.
 // It refreshes on its own schedule and pauses while the application is not active.
 //
 // The server speaks one request:
@@ -70,6 +71,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     class Private;

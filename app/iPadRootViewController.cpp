@@ -3,9 +3,11 @@
 #include "ADControlForiPad.h"
 #include "ActivationWatch.h"
 #include "Device.h"
+#include "FocusCycle.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
+#include "OOHistogramView.h"
 #include "StatCore.h"
 #include "iPadNetworkViewController.h"
 #include "iPadProcessesViewConroller.h"
@@ -50,6 +52,7 @@ void iPadRootViewController::viewDidLoad()
     _totalViewController = new iPadTotalViewController(this);
     _totalViewController->setDevice(_device);
     _totalViewController->initWithFrame(QRect(0, SummaryTop, W, H - SummaryTop - FooterHeight));
+    _totalViewController->cpuHistogramView()->setSampleInterval(RefreshIntervalMs);
     // The figures the panels show from the start, as on the phone.
     _totalViewController->setMemoryUsageData(_statCore->memoryUsage());
     _totalViewController->setDiskUsageData(_statCore->diskUsage());
@@ -114,4 +117,10 @@ void iPadRootViewController::reloadNetworkData()
 bool iPadRootViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const
 {
     return orientation == InterfaceOrientation::Portrait;
+}
+
+bool iPadRootViewController::focusNextPrevChild(bool next)
+{
+    // Round this screen's own widgets, whatever window shows it.
+    return FocusCycle::step(this, next);
 }

@@ -45,6 +45,9 @@ public:
     LabelView *titleLabel() const { return _titleLabel; }
     LabelView *footerLabel() const { return _footerLabel; }
 
+protected:
+    bool focusNextPrevChild(bool next) override;
+
 private:
     StatCore *_statCore;
     Device *_device;

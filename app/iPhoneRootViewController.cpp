@@ -3,9 +3,11 @@
 #include "ADControl.h"
 #include "ActivationWatch.h"
 #include "Device.h"
+#include "FocusCycle.h"
 #include "FontTable.h"
 #include "ImageView.h"
 #include "LabelView.h"
+#include "OOHistogramView.h"
 #include "OOPageCellButton.h"
 #include "OOPageControl.h"
 #include "PagingScrollView.h"
@@ -51,18 +53,23 @@ void iPhoneRootViewController::viewDidLoad()
     _pageControl->setCurrentPage(0);
     _pageControl->setTitles(
         {QStringLiteral("Summary"), QStringLiteral("Processes"), QStringLiteral("System"), QStringLiteral("Network")});
+    // From the keyboard or a screen reader's tab list, as a tap on the tab would.
+    connect(_pageControl, &OOPageControl::pageRequested, this,
+            [this](int page) { buttonWasTouchUpInside(_tabButtons.value(page)); });
 
     _mainScrollView = new PagingScrollView(this);
     _mainScrollView->setGeometry(0, 0, W, H);
     _mainScrollView->setContentSize(QSize(4 * W, _mainScrollView->height()));
     connect(_mainScrollView, &PagingScrollView::didEndDecelerating, this,
             &iPhoneRootViewController::scrollViewDidEndDecelerating);
+    _mainScrollView->setAccessibleName(_pageControl->title(0));
 
     QWidget *pages = _mainScrollView->contentView();
     _totalViewController = new iPhoneTotalViewController(pages);
     _totalViewController->setGeometry(0, 0, W, H);
     _totalViewController->setDevice(_device);
     _totalViewController->viewDidLoad();
+    _totalViewController->cpuHistogramView()->setSampleInterval(RefreshIntervalMs);
     _processesViewController = new iPhoneProcessesViewController(pages);
     _processesViewController->setGeometry(W, 0, W, H);
     _processesViewController->viewDidLoad();
@@ -122,6 +129,7 @@ void iPhoneRootViewController::viewDidLoad()
         button->setGeometry(left, 0, right - left, 20);
         button->setProperty("frame", QRectF(50 + i * q, 0, q, 20));
         button->setProperty("tag", i);
+        button->setAccessibleName(_pageControl->title(i));
         connect(button, &QAbstractButton::clicked, this, [this, button] { buttonWasTouchUpInside(button); });
         _tabButtons << button;
     }
@@ -130,6 +138,8 @@ void iPhoneRootViewController::viewDidLoad()
     // widget stay hidden until shown.
     for (QWidget *child : findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
         child->show();
+    // The keys start on the pages, as they always did; Tab goes round to the titles.
+    _mainScrollView->setFocus(Qt::OtherFocusReason);
 }
 
 void iPhoneRootViewController::refreshSystemState()
@@ -150,6 +160,8 @@ void iPhoneRootViewController::refreshDiskUsage()
 void iPhoneRootViewController::showingPage(int page)
 {
     _pageControl->setCurrentPage(page);
+    // The pager is read as the page it shows when the focus comes to it.
+    _mainScrollView->setAccessibleName(_pageControl->title(page));
     _shownPage = page;
     if (page == 0 && _diskStale)
         refreshDiskUsage();
@@ -203,4 +215,10 @@ void iPhoneRootViewController::receiveAd(const QVariantMap &)
     _processesViewController->setFrameForAd();
     _systemViewController->setFrameForAd();
     _networkViewController->setFrameForAd();
+}
+
+bool iPhoneRootViewController::focusNextPrevChild(bool next)
+{
+    // Round this screen's own widgets, whatever window shows it.
+    return FocusCycle::step(this, next);
 }

@@ -59,6 +59,7 @@ public:
     iPhoneNetworkViewController *networkViewController() const { return _networkViewController; }
 
 protected:
+    bool focusNextPrevChild(bool next) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:

@@ -5,13 +5,16 @@
 #include "MetricsServer.h"
 #include "MonitorAppDelegate.h"
 #include "PlatformStart.h"
+#include "ScreensAccessibility.h"
 #include "ScreenshotRunner.h"
 #include "StatCore.h"
 #include "StatSnapshot.h"
 #include "TerminationSignals.h"
 #include "WebConfigWatch.h"
 #include "ZoomView.h"
+#include "ZoomViewAccessible.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QCoreApplication>
 #include <QHostAddress>
@@ -112,6 +115,9 @@ int main(int argc, char *argv[])
         qputenv("DBUS_SESSION_BUS_ADDRESS", none);
     const std::unique_ptr<QApplication> application = PlatformStart::open(argc, argv);
     QApplication &app = *application;
+    // Before any window exists, so that a screen reader never sees the widgets undescribed.
+    ScreensAccessibility::install();
+    QAccessible::installFactory(&ZoomViewAccessible::factory);
     const QSize screen = app.primaryScreen() ? app.primaryScreen()->availableSize() : QSize();
     // Screenshots show the phone layout unless a layout is asked for.
     const LaunchIdiom::Kind idiom = LaunchIdiom::choose(

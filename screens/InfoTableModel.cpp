@@ -100,6 +100,16 @@ QVariant InfoTableModel::data(const QModelIndex &index, int role) const
         return row.kind == DataRow ? _rows[row.section][row.rowInSection].value : QString();
     case TitleRole:
         return row.kind == HeaderRow ? _sections[row.section].title : QString();
+    case Qt::AccessibleTextRole:
+        // Key and value as one phrase; a lamp row's value is already its YES or NO.
+        if (row.kind == DataRow) {
+            const InfoRow &data = _rows[row.section][row.rowInSection];
+            return data.value.isEmpty() ? data.key : data.key + QLatin1Char(' ') + data.value;
+        }
+        return row.kind == HeaderRow ? _sections[row.section].title : QString();
+    case Qt::AccessibleDescriptionRole:
+        return row.kind == HeaderRow && !_sections[row.section].title.isEmpty() ? QStringLiteral("section heading")
+                                                                                : QString();
     case HeightRole:
         switch (row.kind) {
         case HeaderRow:

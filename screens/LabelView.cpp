@@ -1,5 +1,6 @@
 #include "LabelView.h"
 
+#include <QAccessible>
 #include <QPainter>
 
 LabelView::LabelView(QWidget *parent)
@@ -22,6 +23,19 @@ void LabelView::setText(const QString &text)
         return;
     _text = text;
     update();
+    // Polite: the new figure is there for a reader who comes by; nothing is spoken now.
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+QString LabelView::spokenText() const
+{
+    const QString text = _text.simplified();
+    if (_caption.isEmpty() || text.isEmpty())
+        return _caption.isEmpty() ? text : _caption;
+    return _caption + QLatin1Char(' ') + text;
 }
 
 void LabelView::setTextColor(const QColor &color)

@@ -31,6 +31,7 @@ void ListPage::viewDidLoad()
     auto *title = new LabelView(titleFrame, _title,
                                 FontTable::font(QStringLiteral("CourierNewPS-BoldMT"), _insets.titleSize), _baseView);
     title->setShadow(Qt::black, QPointF(2, 2));
+    title->setReadAs(QAccessible::Heading);
 }
 
 void ListPage::initWithFrame(const QRect &frame)
@@ -51,6 +52,7 @@ void ListPage::layoutForSize()
 QListView *ListPage::buildTableView(QAbstractItemModel *model, QAbstractItemDelegate *delegate)
 {
     _tableView = new PageTableView(model, delegate, _baseView);
+    _tableView->setAccessibleName(_title);
     layoutTableView();
     _tableView->show();
     return _tableView;

@@ -1,5 +1,9 @@
 #include "PageTableView.h"
 
+#include "FocusRing.h"
+
+#include <QFocusEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QScroller>
 
@@ -25,4 +29,26 @@ void PageTableView::updateGeometries()
     // Scrolling by the pixel, the list would step by its first row's height: the Network
     // list starts with an untitled section of no height, and so would never move.
     verticalScrollBar()->setSingleStep(ScrollStep);
+}
+
+void PageTableView::paintEvent(QPaintEvent *event)
+{
+    QListView::paintEvent(event);
+    if (!_keyboardFocus || !hasFocus() || !currentIndex().isValid())
+        return;
+    QPainter painter(viewport());
+    FocusRing::paint(painter, QRectF(visualRect(currentIndex())).adjusted(1, 1, -1, -1), 4);
+}
+
+void PageTableView::focusInEvent(QFocusEvent *event)
+{
+    _keyboardFocus = FocusRing::cameByKeyboard(event->reason(), _keyboardFocus);
+    QListView::focusInEvent(event);
+    viewport()->update();
+}
+
+void PageTableView::focusOutEvent(QFocusEvent *event)
+{
+    QListView::focusOutEvent(event);
+    viewport()->update();
 }

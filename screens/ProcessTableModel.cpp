@@ -45,6 +45,10 @@ QVariant ProcessTableModel::data(const QModelIndex &index, int role) const
         return record.startTime;
     case PriorityRole:
         return record.priority;
+    case Qt::AccessibleTextRole:
+        // One phrase per row, under the column headers' names, for a reader going by rows.
+        return QStringLiteral("PID %1, Process Name %2, Started %3, Priority %4")
+            .arg(record.pid, record.processName, record.startTime, record.priority);
     default:
         return {};
     }

@@ -28,6 +28,7 @@ void ProcessesPage::viewDidLoad()
         auto *label = new LabelView(_layout.headers[i], QString::fromLatin1(headers[i]), headerFont, baseView());
         label->setBackgroundColor(Qt::black);
         label->setOpacity(0.4);
+        label->setReadAs(QAccessible::ColumnHeader);
         if (i == 2)
             label->setAlignment(_layout.priorityHeaderAlignment);
     }

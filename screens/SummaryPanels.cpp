@@ -34,9 +34,12 @@ LabelView *label(QWidget *parent, const QRect &frame, const QString &text, int s
     return view;
 }
 
-LabelView *rightLabel(QWidget *parent, const QRect &frame, const char *text, int size)
+// A figure, read with the caption drawn beside it.
+LabelView *rightLabel(QWidget *parent, const QRect &frame, const char *text, int size, const QString &caption)
 {
-    return label(parent, frame, QString::fromLatin1(text), size, Qt::AlignRight);
+    LabelView *view = label(parent, frame, QString::fromLatin1(text), size, Qt::AlignRight);
+    view->setCaption(caption);
+    return view;
 }
 
 OORectView *legendSquare(QWidget *parent, const QRect &frame, const Rgb &color, int type = 0)
@@ -81,6 +84,16 @@ void setWholeText(LabelView *label, const QString &text)
     }
 }
 
+// What a bar's red or orange tells a sighted user, for one who cannot see it.
+QString warningInWords(const Rgb &color, const QString &criticalText, const QString &warningText)
+{
+    if (color == critical)
+        return QStringLiteral("Critical: ") + criticalText;
+    if (color == warning)
+        return QStringLiteral("Warning: ") + warningText;
+    return {};
+}
+
 } // namespace
 
 SummaryPanels::SummaryPanels(QWidget *parent)
@@ -107,11 +120,14 @@ QWidget *SummaryPanels::addPanel(QWidget *container, const SummaryLayout &layout
 {
     auto *panel = new QWidget(container);
     panel->setGeometry(frames.frame);
+    // A reader walking the panel hears its title first, then its captions and figures.
+    panel->setAccessibleName(title);
     QColor fill(Qt::black);
     fill.setAlphaF(0.4f);
     new PanelView(QRect(QPoint(), frames.frame.size()).marginsRemoved(frames.background), fill, 7, panel);
     LabelView *titleLabel = label(panel, layout.titleFrame, title, layout.titleSize);
     titleLabel->setShadow(Qt::black, QPointF(2, 2));
+    titleLabel->setReadAs(QAccessible::Heading);
     return panel;
 }
 
@@ -122,6 +138,7 @@ void SummaryPanels::buildCpuPanel(QWidget *container, const SummaryLayout &l)
     _cpuHistogramView = new OOHistogramView(l.histogram, panel);
     _cpuHistogramView->setItemRectWidth(2);
     _cpuHistogramView->setItemRectHeight(2);
+    _cpuHistogramView->setAccessibleName(QStringLiteral("CPU history"));
     glassOverlay(panel, l.histogram, QStringLiteral("histogram_glass_effect.png"));
 
     const Rgb legend[] = {cpuUser, cpuSystem, cpuIdle};
@@ -132,16 +149,17 @@ void SummaryPanels::buildCpuPanel(QWidget *container, const SummaryLayout &l)
     }
     label(panel, l.usageCaption, QStringLiteral("Usage"), l.usageCaptionSize);
     rule(panel, l.cpuRule);
-    _cpuUser = rightLabel(panel, l.cpuValues[0], "0.0%", l.labelSize);
-    _cpuSystem = rightLabel(panel, l.cpuValues[1], "0.0%", l.labelSize);
-    _cpuIdle = rightLabel(panel, l.cpuValues[2], "0.0%", l.labelSize);
-    _cpuUsage = rightLabel(panel, l.cpuUsage, "0.0%", l.cpuUsageSize);
+    _cpuUser = rightLabel(panel, l.cpuValues[0], "0.0%", l.labelSize, QStringLiteral("User"));
+    _cpuSystem = rightLabel(panel, l.cpuValues[1], "0.0%", l.labelSize, QStringLiteral("System"));
+    _cpuIdle = rightLabel(panel, l.cpuValues[2], "0.0%", l.labelSize, QStringLiteral("Idle"));
+    _cpuUsage = rightLabel(panel, l.cpuUsage, "0.0%", l.cpuUsageSize, QStringLiteral("Usage"));
 }
 
 void SummaryPanels::buildMemoryPanel(QWidget *container, const SummaryLayout &l)
 {
     QWidget *panel = addPanel(container, l, l.memoryPanel, QStringLiteral("Memory Usage"));
     _memoryPieChartView = new OOPieChartView(l.pieChart, panel);
+    _memoryPieChartView->setAccessibleName(QStringLiteral("Memory"));
 
     const Rgb legend[] = {memoryWiredLegend, memoryActive, memoryInactive, memoryFree};
     const char *names[] = {"Wired", "Active", "Inactive", "Free"};
@@ -149,32 +167,35 @@ void SummaryPanels::buildMemoryPanel(QWidget *container, const SummaryLayout &l)
         legendSquare(panel, l.memoryLegends[i], legend[i]);
         label(panel, l.memoryCaptions[i], QString::fromLatin1(names[i]), l.labelSize);
     }
+    _memoryPieChartView->setItemNames(
+        {QStringLiteral("Wired"), QStringLiteral("Active"), QStringLiteral("Inactive"), QStringLiteral("Free")});
     label(panel, l.totalCaption, QStringLiteral("Total"), l.labelSize);
-    _memoryWired = rightLabel(panel, l.memoryValues[0], "  0.0%   0MB", l.labelSize);
-    _memoryActive = rightLabel(panel, l.memoryValues[1], "  0.0%   0MB", l.labelSize);
-    _memoryInactive = rightLabel(panel, l.memoryValues[2], "  0.0%   0MB", l.labelSize);
-    _memoryFree = rightLabel(panel, l.memoryValues[3], "  0.0%   0MB", l.labelSize);
-    _memoryTotal = rightLabel(panel, l.memoryTotal, "0MB", l.labelSize);
+    _memoryWired = rightLabel(panel, l.memoryValues[0], "  0.0%   0MB", l.labelSize, QStringLiteral("Wired"));
+    _memoryActive = rightLabel(panel, l.memoryValues[1], "  0.0%   0MB", l.labelSize, QStringLiteral("Active"));
+    _memoryInactive = rightLabel(panel, l.memoryValues[2], "  0.0%   0MB", l.labelSize, QStringLiteral("Inactive"));
+    _memoryFree = rightLabel(panel, l.memoryValues[3], "  0.0%   0MB", l.labelSize, QStringLiteral("Free"));
+    _memoryTotal = rightLabel(panel, l.memoryTotal, "0MB", l.labelSize, QStringLiteral("Total"));
     rule(panel, l.memoryRule);
     label(panel, l.userCaption, QStringLiteral("User Memory"), l.labelSize);
     label(panel, l.physicalCaption, QStringLiteral("Physical Memory"), l.labelSize);
-    _memoryUser = rightLabel(panel, l.memoryUser, "0MB", l.labelSize);
-    _memoryPhysical = rightLabel(panel, l.memoryPhysical, "0MB", l.labelSize);
+    _memoryUser = rightLabel(panel, l.memoryUser, "0MB", l.labelSize, QStringLiteral("User Memory"));
+    _memoryPhysical = rightLabel(panel, l.memoryPhysical, "0MB", l.labelSize, QStringLiteral("Physical Memory"));
 }
 
 void SummaryPanels::buildDiskPanel(QWidget *container, const SummaryLayout &l)
 {
     QWidget *panel = addPanel(container, l, l.diskPanel, QStringLiteral("Disk Usage"));
     _diskStateBarView = new OOStateBarView(l.diskBar, panel);
+    _diskStateBarView->setAccessibleName(QStringLiteral("Disk used"));
     glassOverlay(panel, l.diskBar, QStringLiteral("statebar_glass_effect.png"));
     _diskUsedColorRectView = legendSquare(panel, l.diskUsedLegend, low);
     legendSquare(panel, l.diskFreeLegend, memoryFree);
     label(panel, l.usedCaption, QStringLiteral("Used"), l.labelSize);
     label(panel, l.freeCaption, QStringLiteral("Free"), l.labelSize);
     label(panel, l.totalSpaceCaption, QStringLiteral("Total Disk Space"), l.labelSize);
-    _diskUsed = rightLabel(panel, l.diskUsed, "  0.0%    0.00GB", l.labelSize);
-    _diskFree = rightLabel(panel, l.diskFree, "  0.0%    0.00GB", l.labelSize);
-    _diskTotalSpace = rightLabel(panel, l.diskTotalSpace, "0.00GB", l.labelSize);
+    _diskUsed = rightLabel(panel, l.diskUsed, "  0.0%    0.00GB", l.labelSize, QStringLiteral("Used"));
+    _diskFree = rightLabel(panel, l.diskFree, "  0.0%    0.00GB", l.labelSize, QStringLiteral("Free"));
+    _diskTotalSpace = rightLabel(panel, l.diskTotalSpace, "0.00GB", l.labelSize, QStringLiteral("Total Disk Space"));
     rule(panel, l.diskRule);
 }
 
@@ -186,12 +207,15 @@ void SummaryPanels::buildBatteryPanel(QWidget *container, const SummaryLayout &l
     }
     QWidget *panel = addPanel(container, l, l.batteryPanel, QStringLiteral("Battery"));
     _batteryStateBarView = new OOStateBarView(l.batteryBar, panel);
+    _batteryStateBarView->setAccessibleName(QStringLiteral("Battery level"));
     glassOverlay(panel, l.batteryBar, QStringLiteral("statebar_glass_effect.png"));
     _batteryLevelColorRectView = legendSquare(panel, l.batteryLevelLegend, initialBatteryLevel);
     _batteryStateColorRectView = legendSquare(panel, l.batteryStateLegend, critical, 1);
     label(panel, l.levelCaption, QStringLiteral("Level"), l.labelSize);
     _batteryLevel = label(panel, l.batteryLevel, l.batteryLevelInitialText, l.batteryLevelSize);
+    _batteryLevel->setCaption(QStringLiteral("Level"));
     _batteryState = label(panel, l.batteryState, QString(), l.labelSize);
+    _batteryState->setCaption(QStringLiteral("State"));
 }
 
 void SummaryPanels::setCpuUsageData(const CpuUsageData &cpu)
@@ -239,6 +263,8 @@ void SummaryPanels::setDiskUsageData(const DiskUsageData &disk)
     const Rgb level = diskLevelColor(usedPct);
     _diskStateBarView->addItemData0(barItem(used, level), barItem(disk.freeSize, memoryFree));
     _diskUsedColorRectView->setRectColor(level.color());
+    _diskStateBarView->setAccessibleDescription(
+        warningInWords(level, QStringLiteral("the disk is almost full"), QStringLiteral("the disk is filling up")));
     // Nine-character fields, as "%9.9s" would give; 1 TB and more grow the field.
     auto size = [](double bytes) { return FittedBytes::text(bytes, 2, 9); };
     setWholeText(_diskUsed, Formatting::print("%5.1f%% ", usedPct) + size(used));
@@ -259,6 +285,8 @@ void SummaryPanels::batteryChanged()
     _batteryLevel->setText(state != 0 ? Formatting::print("%.0f%%", double(L)) : QStringLiteral("Unknown"));
     const Rgb levelColor = batteryLevelColor(L);
     _batteryLevelColorRectView->setRectColor(levelColor.color());
+    _batteryStateBarView->setAccessibleDescription(warningInWords(
+        levelColor, QStringLiteral("the battery is almost empty"), QStringLiteral("the battery is low")));
     const double bar = L < 0 ? 0.0 : double(L);
     _batteryStateBarView->addItemData0(barItem(bar, levelColor), barItem(100.0 - bar, memoryFree));
 

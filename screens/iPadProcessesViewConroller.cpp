@@ -1,5 +1,7 @@
 #include "iPadProcessesViewConroller.h"
 
+#include <QListView>
+
 namespace {
 // The left-hand panel: 8 points in on the left, 4 on the right (the right-hand panels
 // are the other way round), so the columns keep 8 points from the edges and each other.
@@ -17,6 +19,12 @@ iPadProcessesViewConroller::iPadProcessesViewConroller(QWidget *parent)
                      Qt::AlignHCenter},
                     ProcessCellDelegate::TabletCell, parent)
 {
+}
+
+void iPadProcessesViewConroller::viewDidLoad()
+{
+    ProcessesPage::viewDidLoad();
+    tableView()->setFocusPolicy(Qt::TabFocus);
 }
 
 bool iPadProcessesViewConroller::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const

@@ -11,5 +11,8 @@ class iPadProcessesViewConroller : public ProcessesPage {
 public:
     explicit iPadProcessesViewConroller(QWidget *parent = nullptr);
 
+    // No pager holds this list: it takes the keyboard itself, by Tab.
+    void viewDidLoad() override;
+
     bool shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const;
 };

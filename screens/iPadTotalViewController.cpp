@@ -42,6 +42,13 @@ void iPadTotalViewController::initWithFrame(const QRect &frame)
     _systemViewController->initWithFrame(QRect(QPoint(0, 0), page));
     _networkViewController = new iPadNetworkViewController(_pager->contentView());
     _networkViewController->initWithFrame(QRect(QPoint(page.width(), 0), page));
+
+    // The dots read as the pages' titles; a reader's tab turns the pager as a swipe would.
+    _pageControl->setTitles({_systemViewController->title(), _networkViewController->title()});
+    connect(_pageControl, &DotPageControl::pageRequested, _pager, &PagingScrollView::turnToPage);
+    _pager->setAccessibleName(_pageControl->titles().value(0));
+    // The keys start on the pager, as they always did; Tab goes on to the process list.
+    _pager->setFocus(Qt::OtherFocusReason);
 }
 
 void iPadTotalViewController::scrollViewDidEndDecelerating(PagingScrollView *scrollView)
@@ -51,6 +58,8 @@ void iPadTotalViewController::scrollViewDidEndDecelerating(PagingScrollView *scr
     if (scrollView != _pager || pageWidth <= 0)
         return;
     _pageControl->setCurrentPage(int(scrollView->contentOffset().x() / pageWidth));
+    // The pager is read as the page it shows when the focus comes to it.
+    _pager->setAccessibleName(_pageControl->titles().value(_pageControl->currentPage()));
 }
 
 bool iPadTotalViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const

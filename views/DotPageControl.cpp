@@ -1,5 +1,6 @@
 #include "DotPageControl.h"
 
+#include <QAccessible>
 #include <QPainter>
 
 #include <algorithm>
@@ -21,6 +22,17 @@ void DotPageControl::setCurrentPage(int page)
         return;
     _currentPage = page;
     update();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::Selection);
+        event.setChild(page);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void DotPageControl::requestPage(int page)
+{
+    if (page >= 0 && page < _numberOfPages)
+        Q_EMIT pageRequested(page);
 }
 
 QRectF DotPageControl::dotRect(int page) const

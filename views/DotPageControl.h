@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QColor>
+#include <QStringList>
 #include <QWidget>
 
 // The plain page indicator: one small dot per page, centred in a row, the current
 // page's dot white and the others faint. It only shows the page set from outside
-// and takes no input, so what lies under it still does.
+// and takes no mouse input, so what lies under it still does. A screen reader reads it
+// as a tab list of the pages' titles and may ask for a page through pageRequested.
 class DotPageControl : public QWidget {
     Q_OBJECT
 
@@ -24,10 +26,21 @@ public:
 
     QRectF dotRect(int page) const;
 
+    // The pages' names, in page order, for those who cannot see the dots.
+    QStringList titles() const { return _titles; }
+    void setTitles(const QStringList &titles) { _titles = titles; }
+
+    // Asks for that page; out of range asks for nothing.
+    void requestPage(int page);
+
+Q_SIGNALS:
+    void pageRequested(int page);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
     int _numberOfPages;
     int _currentPage = 0;
+    QStringList _titles;
 };

@@ -2,6 +2,7 @@
 
 #include "DropShadow.h"
 
+#include <QAccessible>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -49,6 +50,16 @@ void OOHistogramView::addItemData(const HistogramItem &item)
     if (_itemData.size() > HistoryLimit)
         _itemData.remove(0, _itemData.size() - HistoryLimit);
     update();
+    // The summary a screen reader gives is the chart's name: it changes with every sample.
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+int OOHistogramView::visibleColumns() const
+{
+    return cellCount(float(width()), _itemRectWidth);
 }
 
 void OOHistogramView::setItemData(const QList<HistogramItem> &itemData)
@@ -68,7 +79,7 @@ void OOHistogramView::paintEvent(QPaintEvent *)
 
     if (!_itemData.isEmpty()) {
         const qsizetype n = _itemData.size();
-        const int columns = cellCount(w, _itemRectWidth);
+        const int columns = visibleColumns();
         const int rows = cellCount(h, _itemRectHeight);
         const float pitchX = _itemRectWidth + Gap;
         const float pitchY = _itemRectHeight + Gap;

@@ -28,6 +28,13 @@ public:
     float itemRectHeight() const { return _itemRectHeight; }
     void setItemRectHeight(float height) { _itemRectHeight = height; }
 
+    // The samples that fit the width: the newest this many are drawn.
+    int visibleColumns() const;
+    // How far apart the samples are, in ms (0: unknown), so that the history can be
+    // told in time rather than in samples.
+    int sampleInterval() const { return _sampleIntervalMs; }
+    void setSampleInterval(int ms) { _sampleIntervalMs = ms; }
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 
@@ -35,4 +42,5 @@ private:
     QList<HistogramItem> _itemData;
     float _itemRectWidth = 0.0f;
     float _itemRectHeight = 0.0f;
+    int _sampleIntervalMs = 0;
 };

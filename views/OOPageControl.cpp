@@ -1,11 +1,16 @@
 #include "OOPageControl.h"
 
+#include "FocusRing.h"
 #include "FontTable.h"
 #include "OOPageCellButton.h"
 
+#include <QAccessible>
 #include <QFontMetricsF>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+
+#include <algorithm>
 
 namespace {
 
@@ -29,6 +34,7 @@ OOPageControl::OOPageControl(const QRect &frame, int numberOfPages, QWidget *par
 {
     setGeometry(frame);
     setAutoFillBackground(false);
+    setFocusPolicy(Qt::TabFocus);
 
     const qreal h = qreal(frame.height()) - 4.0;
     _titleFont = FontTable::font(QStringLiteral("TrebuchetMS-Bold"), h - 4.0);
@@ -53,6 +59,7 @@ OOPageControl::~OOPageControl() = default;
 
 void OOPageControl::setCurrentPage(int page)
 {
+    _currentPage = validIndex(page, _cells.size()) ? page : -1;
     for (qsizetype i = 0; i < _cells.size(); ++i) {
         Cell &cell = _cells[i];
         const bool current = i == page;
@@ -60,6 +67,53 @@ void OOPageControl::setCurrentPage(int page)
         cell.titleColor = current ? CurrentTitleColor : TitleColor;
     }
     update();
+    if (_currentPage >= 0 && QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::Selection);
+        event.setChild(_currentPage);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void OOPageControl::requestPage(int page)
+{
+    if (validIndex(page, _cells.size()))
+        Q_EMIT pageRequested(page);
+}
+
+void OOPageControl::keyPressEvent(QKeyEvent *event)
+{
+    const int last = int(_cells.size()) - 1;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        requestPage(std::max(0, _currentPage - 1));
+        break;
+    case Qt::Key_Right:
+        requestPage(std::min(last, _currentPage + 1));
+        break;
+    case Qt::Key_Home:
+        requestPage(0);
+        break;
+    case Qt::Key_End:
+        requestPage(last);
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+}
+
+void OOPageControl::focusInEvent(QFocusEvent *event)
+{
+    _keyboardFocus = FocusRing::cameByKeyboard(event->reason(), _keyboardFocus);
+    update();
+    QWidget::focusInEvent(event);
+}
+
+void OOPageControl::focusOutEvent(QFocusEvent *event)
+{
+    update();
+    QWidget::focusOutEvent(event);
 }
 
 void OOPageControl::setTitles(const QVariantList &titles)
@@ -135,4 +189,6 @@ void OOPageControl::paintEvent(QPaintEvent *)
         border.addRoundedRect(cell.rect.adjusted(half, half, -half, -half), radius - half, radius - half);
         painter.strokePath(border, QPen(BorderColor, BorderWidth));
     }
+    if (showsFocusRing() && _currentPage >= 0)
+        FocusRing::paint(painter, _cells.at(_currentPage).rect.adjusted(-1.5, -1.5, 1.5, 1.5), radius + 1.5);
 }

@@ -3,6 +3,7 @@
 #include "DropShadow.h"
 #include "ViewsLogging.h"
 
+#include <QAccessible>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -90,14 +91,18 @@ OOPieChartView::OOPieChartView(const QRect &frame, QWidget *parent)
 void OOPieChartView::addItemData0(const PieChartItem &data0, const PieChartItem &data1, const PieChartItem &data2,
                                   const PieChartItem &data3)
 {
-    _itemData = {data0, data1, data2, data3};
-    update();
+    setItemData({data0, data1, data2, data3});
 }
 
 void OOPieChartView::setItemData(const QList<PieChartItem> &itemData)
 {
     _itemData = itemData;
     update();
+    // A screen reader hears the shares as the chart's name.
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 float OOPieChartView::outerRadius(const QSizeF &size)

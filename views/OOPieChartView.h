@@ -3,6 +3,7 @@
 #include "PieChartItem.h"
 
 #include <QList>
+#include <QStringList>
 #include <QWidget>
 
 // A ring chart: a grey ring with a shadow, one coloured segment per item
@@ -20,6 +21,10 @@ public:
     const QList<PieChartItem> &itemData() const { return _itemData; }
     void setItemData(const QList<PieChartItem> &itemData);
 
+    // What each segment stands for, in item order, for those who cannot see the colours.
+    QStringList itemNames() const { return _itemNames; }
+    void setItemNames(const QStringList &names) { _itemNames = names; }
+
     // Ring geometry for a bounds size: outer and inner radius.
     static float outerRadius(const QSizeF &size);
     static float innerRadius(const QSizeF &size) { return outerRadius(size) / 3.0f; }
@@ -29,4 +34,5 @@ protected:
 
 private:
     QList<PieChartItem> _itemData;
+    QStringList _itemNames;
 };

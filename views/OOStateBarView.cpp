@@ -3,6 +3,7 @@
 #include "DropShadow.h"
 #include "ViewsLogging.h"
 
+#include <QAccessible>
 #include <QPainter>
 
 #include <algorithm>
@@ -71,19 +72,38 @@ OOStateBarView::OOStateBarView(const QRect &frame, QWidget *parent)
 void OOStateBarView::addItemData(const StateBarItem &item)
 {
     _itemData.append(item);
-    update();
+    itemsChanged();
 }
 
 void OOStateBarView::addItemData0(const StateBarItem &data0, const StateBarItem &data1)
 {
     _itemData = {data0, data1};
-    update();
+    itemsChanged();
 }
 
 void OOStateBarView::setItemData(const QList<StateBarItem> &itemData)
 {
     _itemData = itemData;
+    itemsChanged();
+}
+
+double OOStateBarView::filledPercent() const
+{
+    double total = 0.0;
+    for (const StateBarItem &item : _itemData)
+        total += item.value();
+    if (_itemData.isEmpty() || !(total > 0.0))
+        return 0.0;
+    return std::clamp(_itemData.first().value() / total * 100.0, 0.0, 100.0);
+}
+
+void OOStateBarView::itemsChanged()
+{
     update();
+    if (QAccessible::isActive()) {
+        QAccessibleValueChangeEvent event(this, filledPercent());
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 QPainterPath OOStateBarView::createRoundedRectPathWithRect(const QRectF &rect, float cornerRadius)

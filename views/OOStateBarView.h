@@ -23,6 +23,10 @@ public:
     const QList<StateBarItem> &itemData() const { return _itemData; }
     void setItemData(const QList<StateBarItem> &itemData);
 
+    // The first segment's share of the whole bar, in percent (0 for an empty bar): how
+    // full the bar reads.
+    double filledPercent() const;
+
     float shadowSize() const { return _shadowSize; }
     void setShadowSize(float shadowSize) { _shadowSize = shadowSize; }
     float cornerRadius() const { return _cornerRadius; }
@@ -38,6 +42,7 @@ protected:
 
 private:
     QPainterPath outlinePath() const;
+    void itemsChanged();
 
     QList<StateBarItem> _itemData;
     float _shadowSize = 5.0f;

@@ -1,5 +1,7 @@
 #include "PagingScrollView.h"
 
+#include "FocusRing.h"
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -53,6 +55,7 @@ PagingScrollView::PagingScrollView(QWidget *parent)
     _contentView->setAutoFillBackground(false);
     // The pager takes the keys that turn pages; the pages themselves take no focus.
     setFocusPolicy(Qt::StrongFocus);
+    new FocusRing(this);
 
     _scroller = QScroller::scroller(viewport());
     QScroller::grabGesture(viewport(), QScroller::LeftMouseButtonGesture);

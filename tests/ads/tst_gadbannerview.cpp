@@ -193,6 +193,11 @@ private Q_SLOTS:
         QCOMPARE(_opened,
                  opens ? QList<QUrl>{_server.url(answer.code == Arrival ? "/click/new" : "/click/shown")}
                        : QList<QUrl>{});
+        // From the keyboard, whatever the mouse did: Return opens the banner on show.
+        _opened.clear();
+        QCOMPARE(b.first->focusPolicy(), Qt::TabFocus);
+        QTest::keyClick(b.first.get(), Qt::Key_Return);
+        QCOMPARE(_opened, QList<QUrl>{_server.url(answer.code == Arrival ? "/click/new" : "/click/shown")});
         _kept.push_back(std::move(b)); // see noSecondCallback()
     }
 

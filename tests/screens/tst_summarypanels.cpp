@@ -4,6 +4,7 @@
 #include "OORectView.h"
 #include "OOStateBarView.h"
 #include "PageProbe.h"
+#include "ScreensAccessibility.h"
 #include "StateBarItem.h"
 #include "iPadTotalViewController.h"
 #include "iPhoneTotalViewController.h"
@@ -11,6 +12,30 @@
 #include <QtTest>
 
 using namespace PageProbe;
+
+namespace {
+
+// The warning a bar's colour gives, as its description tells it: "critical", "warning" or "".
+QString warningOf(const QWidget *bar)
+{
+    return bar->accessibleDescription().section(u':', 0, 0).toLower();
+}
+
+QString expectedWarning(const QString &colour)
+{
+    return colour == u"critical" || colour == u"warning" ? colour : QString();
+}
+
+// The figure's label as a screen reader reads it.
+QString spoken(const QWidget *page, const QString &shown)
+{
+    for (LabelView *label : page->findChildren<LabelView *>())
+        if (label->text() == shown && !label->caption().isEmpty())
+            return QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name);
+    return {};
+}
+
+} // namespace
 
 // The Summary figures of the phone page and of the tablet's summary panel: the same texts,
 // formats and colours from the same records.
@@ -25,6 +50,7 @@ class TestSummaryPanels : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
+        ScreensAccessibility::install();
         device.setPollInterval(1);
         device.setBatteryMonitoringEnabled(true);
         summary.setDevice(&device);
@@ -73,9 +99,12 @@ private Q_SLOTS:
                                  summary.memoryPhysicalText()};
         QCOMPARE(memory.join(u'|'),
                  QStringLiteral(" 40.0%   2GB| 12.5% 512MB|  0.1%   3MB|100.0%   1KB| 16GB|4,657GB|  8GB"));
+        QCOMPARE(spoken(&summary, summary.memoryWiredText()), QStringLiteral("Wired 40.0% 2GB"));
+        QCOMPARE(spoken(&summary, summary.memoryUserText()), QStringLiteral("User Memory 4,657GB"));
         summary.setDiskUsageData(DiskUsageData{128.0 * (1 << 30), 32.0 * (1 << 30)});
         QCOMPARE(summary.diskUsedText() + u'|' + summary.diskFreeText() + u'|' + summary.diskTotalSpaceText(),
                  QStringLiteral(" 75.0%   96.00GB| 25.0%   32.00GB| 128.00GB"));
+        QCOMPARE(spoken(&summary, summary.diskTotalSpaceText()), QStringLiteral("Total Disk Space 128.00GB"));
     }
 
     void summarySizes_data()
@@ -109,6 +138,7 @@ private Q_SLOTS:
         QCOMPARE(QColor::fromRgbF(bar[0].red(), bar[0].green(), bar[0].blue()), colour(used));
         QCOMPARE(bar[0].value(), total.toDouble() - free.toDouble());
         QCOMPARE(bar[1].value(), free.toDouble());
+        QCOMPARE(warningOf(summary.diskStateBarView()), expectedWarning(used));
     }
 
     void summaryBattery_data()
@@ -135,6 +165,7 @@ private Q_SLOTS:
         QCOMPARE(items.size(), 2);
         QCOMPARE(items[0].value(), bar.toDouble());
         QCOMPARE(items[1].value(), 100 - bar.toDouble());
+        QCOMPARE(warningOf(summary.batteryStateBarView()), expectedWarning(level));
     }
 };
 
