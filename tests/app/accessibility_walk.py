@@ -8,9 +8,11 @@ Usage: accessibility_walk.py KOVAR
 Exits 77 (skipped) only where the tools are missing: Xvfb, dbus-run-session, at-spi2-core, pyatspi."""
 import os, re, shutil, signal, subprocess, sys, time
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..'))
+from script_checks import check, failures, until  # noqa: E402
+
 KOVAR = sys.argv[1]
 SKIP = 77
-failures = []
 
 # (idiom, page, role, accessible name as a regular expression; a value range for value indicators)
 TABLE = [
@@ -58,21 +60,6 @@ TABLE = [
     ('tablet', 'System', 'list item', r'Device \S.*', None),
     ('tablet', 'Network', 'list item', r'Active WLAN (YES|NO)', None),
 ]
-
-
-def check(ok, what):
-    print(('PASS: ' if ok else 'FAIL: ') + what, flush=True)
-    if not ok:
-        failures.append(what)
-
-
-def until(condition, seconds):
-    end = time.monotonic() + seconds
-    while True:
-        answer = condition()
-        if answer or time.monotonic() > end:
-            return answer
-        time.sleep(0.2)
 
 
 def free_display():

@@ -5,24 +5,10 @@ misbehave, a real Prometheus scraping it and agreeing with kovar --snapshot, and
 Usage: metrics_endpoint.py KOVAR"""
 import atexit, json, os, re, shutil, signal, socket, ssl, subprocess, sys, tempfile, threading, time, urllib.parse, urllib.request
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..'))
+from script_checks import check, failures, until  # noqa: E402
+
 KOVAR = sys.argv[1]
-failures = []
-
-
-def check(ok, what):
-    print(("PASS: " if ok else "FAIL: ") + what, flush=True)
-    if not ok:
-        failures.append(what)
-
-
-def until(condition, seconds):
-    """Polls condition every 0.1 s for at most seconds; its last answer."""
-    end = time.monotonic() + seconds
-    while True:
-        answer = condition()
-        if answer or time.monotonic() > end:
-            return answer
-        time.sleep(0.1)
 
 
 def get(port, path='/metrics', method='GET', accept=None, timeout=5):
