@@ -45,6 +45,10 @@ public:
     LabelView *titleLabel() const { return _titleLabel; }
     LabelView *footerLabel() const { return _footerLabel; }
 
+protected:
+    // The screen takes the keys: they find and act on a process in the processes panel.
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
     StatCore *_statCore;
     Device *_device;
