@@ -6,7 +6,6 @@
 #include "ProcessDetailsSheet.h"
 #include "ProcessTableModel.h"
 
-#include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
@@ -152,7 +151,7 @@ void ProcessesPage::openDetails(const ProcessRecord &record)
     if (!_sheet)
         return;
     if (!_sheet->isOpen())
-        _focusBeforeSheet = QApplication::focusWidget();
+        _focusBeforeSheet = window()->focusWidget();
     _sheet->setRestGeometry(panelBackground()->geometry());
     // The sheet is the panel while it is shown: nothing of the list shows through it.
     if (!_sheet->isOpen()) {
@@ -218,7 +217,7 @@ bool ProcessesPage::handleKey(QKeyEvent *event)
     if (text.isEmpty() || !text.at(0).isPrint() || (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
         return false;
     if (!_findField->isVisible()) {
-        _focusBeforeFind = QApplication::focusWidget();
+        _focusBeforeFind = window()->focusWidget();
         _findField->show();
         // The rest of the typing goes straight to the field.
         if (isVisible())
