@@ -84,7 +84,6 @@ ProcessDetailsSheet::ProcessDetailsSheet(QWidget *parent, const QString &rootDir
     _figures->setFont(FontTable::font(QStringLiteral("CourierNewPS-BoldMT"), 12));
     _figures->setWordWrap(true);
     _figures->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    _figures->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(_figures, 1);
 
     _message = new QLabel(this);

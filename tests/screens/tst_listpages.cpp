@@ -145,6 +145,27 @@ private Q_SLOTS:
         QVERIFY(!sheet->isOpen());
     }
 
+    // A click on a row opens its sheet; a swipe to the right goes back to the list.
+    void clickOpensSwipeCloses()
+    {
+        processes.setProcData(records(3));
+        QListView *table = processes.tableView();
+        table->show();
+        const QRect second = table->visualRect(table->model()->index(1, 0));
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, second.center());
+        ProcessDetailsSheet *sheet = processes.detailsSheet();
+        QTRY_VERIFY(sheet->isOpen());
+        QCOMPARE(sheet->record().pid, QStringLiteral("1001"));
+        QVERIFY(!table->isVisibleTo(processes.baseView()));
+        // Over the figures, where most of a swipe lands.
+        QWidget *figures = sheet->childAt(sheet->width() / 2, sheet->height() / 3);
+        QVERIFY(figures);
+        QTest::mousePress(figures, Qt::LeftButton, {}, QPoint(20, 10));
+        QTest::mouseRelease(figures, Qt::LeftButton, {}, QPoint(120, 20));
+        QVERIFY(!sheet->isOpen());
+        QVERIFY(table->isVisibleTo(processes.baseView()));
+    }
+
     void processRows()
     {
         QAbstractItemModel *model = processes.tableView()->model();
