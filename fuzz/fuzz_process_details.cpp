@@ -7,6 +7,7 @@
 #include "ProcessSignaller.h"
 #include "StatCore.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
@@ -29,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     // Nothing is ever sent: every system call is a stand-in that records a call.
     bool signalled = false;
     ProcessSignaller::Seams seams;
-    seams.openPidfd = [](int) { return -38; };
+    seams.openPidfd = [](int) { return -ENOSYS; };
     seams.sendByPid = [&signalled](int, int) {
         signalled = true;
         return 0;

@@ -65,7 +65,8 @@ void ProcessSignaller::pin(int pid, const QString &name, quint64 startTicks, boo
     if (_pidfd >= 0) {
         const Holder now = holder();
         if (now != Holder::Listed) {
-            _seams.closePidfd(_pidfd);
+            if (_seams.closePidfd)
+                _seams.closePidfd(_pidfd);
             _pidfd = -1;
             _reused = now == Holder::Other;
         }
@@ -112,7 +113,7 @@ ProcessSignaller::Outcome ProcessSignaller::send(int signal)
         return {false, other};
     int result = 0;
     if (_pidfd >= 0) {
-        result = _seams.sendByPidfd(_pidfd, signal);
+        result = _seams.sendByPidfd ? _seams.sendByPidfd(_pidfd, signal) : -ENOSYS;
     } else {
         switch (holder()) {
         case Holder::Other:
