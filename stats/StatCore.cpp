@@ -214,13 +214,16 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
         usage.cpuTicks = stat.cpuTicks;
         if (stat.residentPages && pageSize > 0 && *stat.residentPages <= std::numeric_limits<quint64>::max() / pageSize)
             usage.residentBytes = *stat.residentPages * pageSize;
-        // startTimeText() has just dropped the ticks of a pid that now names another process.
+        // A process not in the previous scan (startTimeText() has just dropped the ticks of a
+        // pid that now names another) started within the interval: all its ticks are in it.
         StartTimeEntry &entry = _startTimes[stat.pid];
-        if (entry.cpuTicks && interval > 0 && stat.cpuTicks >= *entry.cpuTicks) {
-            const double used = double(stat.cpuTicks - *entry.cpuTicks);
-            usage.cpuOfMachine = used / double(interval) * 100.0;
+        const quint64 before = entry.cpuTicks.value_or(0);
+        if (interval > 0 && stat.cpuTicks >= before) {
+            // The two files are read a moment apart: a process on every CPU may read a hair over.
+            const double share = std::min(double(stat.cpuTicks - before) / double(interval), 1.0);
+            usage.cpuOfMachine = share * 100.0;
             if (elapsed.cpus > 0)
-                usage.cpuOfOneCore = used / double(interval) * double(elapsed.cpus) * 100.0;
+                usage.cpuOfOneCore = share * double(elapsed.cpus) * 100.0;
         }
         entry.cpuTicks = stat.cpuTicks;
         records.append(std::move(record));
