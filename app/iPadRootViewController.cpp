@@ -14,6 +14,7 @@
 #include "iPadSystemViewController.h"
 #include "iPadTotalViewController.h"
 
+#include <QKeyEvent>
 #include <QTimer>
 
 #include <cmath>
@@ -30,6 +31,7 @@ iPadRootViewController::iPadRootViewController(StatCore *statCore, Device *devic
     , _statCore(statCore ? statCore : StatCore::shared())
     , _device(device ? device : Device::currentDevice())
 {
+    setFocusPolicy(Qt::StrongFocus);
 }
 
 iPadRootViewController::~iPadRootViewController()
@@ -112,6 +114,12 @@ void iPadRootViewController::refreshDiskUsage()
 void iPadRootViewController::reloadNetworkData()
 {
     _totalViewController->networkViewController()->setInfoData(_statCore->networkInfo());
+}
+
+void iPadRootViewController::keyPressEvent(QKeyEvent *event)
+{
+    if (!_totalViewController || !_totalViewController->processesViewController()->handleKey(event))
+        event->ignore();
 }
 
 bool iPadRootViewController::shouldAutorotateToInterfaceOrientation(InterfaceOrientation orientation) const

@@ -47,6 +47,8 @@ public:
 
 protected:
     bool focusNextPrevChild(bool next) override;
+    // The screen takes the keys: they find and act on a process in the processes panel.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     StatCore *_statCore;

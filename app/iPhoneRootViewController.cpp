@@ -17,6 +17,7 @@
 #include "iPhoneSystemViewController.h"
 #include "iPhoneTotalViewController.h"
 
+#include <QKeyEvent>
 #include <QTimer>
 #include <QWheelEvent>
 
@@ -196,6 +197,12 @@ void iPhoneRootViewController::wheelEvent(QWheelEvent *event)
 {
     // Over the titles the wheel turns pages, as over a tab bar, in either axis.
     if (event->position().y() >= TitleBarHeight || !_mainScrollView || !_mainScrollView->turnByWheel(event, true))
+        event->ignore();
+}
+
+void iPhoneRootViewController::keyPressEvent(QKeyEvent *event)
+{
+    if (_shownPage != 1 || !_processesViewController || !_processesViewController->handleKey(event))
         event->ignore();
 }
 

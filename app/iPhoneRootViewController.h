@@ -61,6 +61,8 @@ public:
 protected:
     bool focusNextPrevChild(bool next) override;
     void wheelEvent(QWheelEvent *event) override;
+    // Keys the pager leaves: on the Processes page they find and act on a process.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     // The page indicator follows the page shown; a disk figure that went stale meanwhile

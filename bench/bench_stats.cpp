@@ -4,6 +4,7 @@
 #include "GeneratedProcTree.h"
 #include "MetricsExposition.h"
 #include "ProcReader.h"
+#include "ProcessDetailsReader.h"
 #include "StatCore.h"
 
 #include <QByteArray>
@@ -132,6 +133,17 @@ void addServerFiles(const QString &root)
     }
     write(QStringLiteral("/proc/self/mountinfo"), mounts);
 }
+
+// What the details sheet adds to a tick: the files of the one process it shows (this one,
+// live: command line, executable, cgroup, owner and smaps_rollup's PSS).
+void BM_ProcessDetails(benchmark::State &state)
+{
+    const ProcessDetailsReader reader;
+    const int pid = int(::getpid());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(reader.details(pid));
+}
+BENCHMARK(BM_ProcessDetails)->Unit(benchmark::kMicrosecond);
 
 // What one scrape of kovar --serve-metrics samples and writes, the battery aside (the
 // device keeps that figure itself) and the device's names (read once a minute): a 1 s

@@ -54,6 +54,14 @@ void ProcessCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
               DarkGray, Qt::AlignLeft);
     drawLabel(painter, _geometry.priority.translated(origin), index.data(ProcessTableModel::PriorityRole).toString(),
               Qt::white, Qt::AlignHCenter);
+    // The row a find or a click picked: outlined, so the list keeps its look otherwise.
+    if (option.state & QStyle::State_Selected) {
+        const int width = _geometry.stripeWidth > 0 ? _geometry.stripeWidth : row.width();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(Qt::white, 1));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(QRectF(row.left() + 0.5, row.top() + 0.5, width - 1, RowHeight - 1), 4, 4);
+    }
     painter->restore();
 }
 

@@ -5,16 +5,22 @@
 #include "ProcessRecord.h"
 
 #include <QList>
+#include <QPointer>
 
 #include <array>
 #include <optional>
 
 class LabelView;
+class ProcessDetailsSheet;
 class ProcessTableModel;
+class QKeyEvent;
+class QLineEdit;
 
 // The "Processes" list: the process count, the column headers and a table of every
 // process with its pid, name, start time and priority. The phone page and the tablet
-// panel are this list in their own frames.
+// panel are this list in their own frames. Typing finds a process by name or pid (the
+// search field takes the header band; Escape clears it); a click, or Enter on the
+// selected row, opens its details sheet.
 class ProcessesPage : public ListPage {
     Q_OBJECT
 public:
@@ -27,7 +33,20 @@ public:
     const QList<ProcessRecord> &tableData() const;
     QString totalText() const;
 
+    // Keys the screen around passes on while the list is shown: text finds, Enter opens,
+    // and the sheet's keys while it is open. False for a key left to others.
+    bool handleKey(QKeyEvent *event);
+    QString findText() const;
+    // The process the list's selection is on, if any.
+    std::optional<ProcessRecord> selectedRecord() const;
+    void openDetails(const ProcessRecord &record);
+    ProcessDetailsSheet *detailsSheet() const { return _sheet; }
+
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
     struct Layout {
         Insets insets;
         QRect total;
@@ -38,7 +57,19 @@ protected:
     ProcessesPage(const Layout &layout, const ProcessCellDelegate::Geometry &cells, QWidget *parent);
 
 private:
+    // newFind: the find's text changed, so the selection starts on its first match.
+    void showRecords(bool newFind = false);
+    void setFindText(const QString &text);
+    void moveSelection(int step);
+    void sheetWentBack();
+
     Layout _layout;
+    QList<ProcessRecord> _allRecords;
+    QLineEdit *_findField = nullptr;
+    ProcessDetailsSheet *_sheet = nullptr;
+    QPointer<QWidget> _focusBeforeSheet;
+    QPointer<QWidget> _focusBeforeFind;
+    QList<QPointer<QWidget>> _hiddenForSheet; // the list's parts, while the sheet stands for them
     LabelView *_total = nullptr;
     ProcessTableModel *_tableModel = nullptr;
     ProcessCellDelegate *_cellDelegate = nullptr;

@@ -89,6 +89,9 @@ const char *findLine(const char *text, const char *end, const char *key)
     return nullptr;
 }
 
+// PF_KTHREAD of the stat record's flags: a kernel thread, which has no program to end.
+constexpr quint64 KernelThreadFlag = 0x00200000;
+
 } // namespace
 
 ProcReader::ProcReader(const QString &rootDir)
@@ -186,30 +189,83 @@ std::optional<ProcReader::ProcStat> ProcReader::parseProcStat(const char *text, 
     stat.pid = int(pid);
     stat.comm = QByteArray(open + 1, close - open - 1);
 
-    // Field 3 (state) follows the name; then numbers up to field 22.
+    // Field 3 (state) follows the name; then numbers up to field 22, which every kernel
+    // writes, and the optional 23 (vsize) and 24 (rss).
     p = close + 1;
     while (p < end && *p == ' ')
         ++p;
     if (p >= end || *p == ' ' || *p == '\n')
         return std::nullopt;
-    ++p; // state letter
-    for (int field = 4; field <= 22; ++field) {
+    stat.state = *p++;
+    quint64 userTicks = 0;
+    for (int field = 4; field <= 24; ++field) {
         qint64 value = 0;
-        if (!parseSigned(p, end, value))
+        if (!parseSigned(p, end, value)) {
+            if (field > 22)
+                break;
             return std::nullopt;
+        }
         if (p < end && *p != ' ' && *p != '\n')
             return std::nullopt;
-        if (field == 18) {
+        switch (field) {
+        case 4:
+            stat.parentPid = value >= 0 && value <= INT_MAX ? int(value) : 0;
+            break;
+        case 9:
+            stat.kernelThread = (quint64(value) & KernelThreadFlag) != 0;
+            break;
+        case 14:
+            userTicks = quint64(value);
+            break;
+        case 15:
+            stat.cpuTicks = userTicks + quint64(value);
+            break;
+        case 18:
             if (value < INT_MIN || value > INT_MAX)
                 return std::nullopt;
             stat.priority = int(value);
-        } else if (field == 22) {
+            break;
+        case 20:
+            stat.threads = value >= 0 && value <= INT_MAX ? int(value) : 0;
+            break;
+        case 22:
             if (value < 0)
                 return std::nullopt;
             stat.startTicks = quint64(value);
+            break;
+        case 24:
+            if (value >= 0)
+                stat.residentPages = quint64(value);
+            break;
+        default:
+            break;
         }
     }
     return stat;
+}
+
+ProcReader::ElapsedTicks ProcReader::parseElapsedTicks(const char *text, qsizetype length)
+{
+    const char *end = text + length;
+    ElapsedTicks elapsed;
+    elapsed.bootTime = parseBootTime(text, length);
+    if (const char *p = findLine(text, end, "cpu")) {
+        const void *newline = std::memchr(p, '\n', size_t(end - p));
+        const char *lineEnd = newline ? static_cast<const char *>(newline) : end;
+        // user nice system idle iowait irq softirq steal: guest and guest_nice are inside user.
+        quint64 value = 0;
+        for (int field = 0; field < 8 && parseUnsigned(p, lineEnd, value); ++field)
+            elapsed.allCpus += value;
+    }
+    for (const char *line = text; line < end;) {
+        if (end - line > 3 && std::memcmp(line, "cpu", 3) == 0 && line[3] >= '0' && line[3] <= '9')
+            ++elapsed.cpus;
+        const void *newline = std::memchr(line, '\n', size_t(end - line));
+        if (!newline)
+            break;
+        line = static_cast<const char *>(newline) + 1;
+    }
+    return elapsed;
 }
 
 std::optional<ProcReader::CpuTicks> ProcReader::cpuTicks() const
@@ -234,6 +290,25 @@ std::optional<qint64> ProcReader::bootTime() const
     if (!data)
         return std::nullopt;
     return parseBootTime(data->constData(), data->size());
+}
+
+std::optional<ProcReader::ElapsedTicks> ProcReader::elapsedTicks() const
+{
+    const std::optional<QByteArray> data = readFile(_procDir + "/stat");
+    if (!data)
+        return std::nullopt;
+    return parseElapsedTicks(data->constData(), data->size());
+}
+
+std::optional<ProcReader::ProcStat> ProcReader::processStat(int pid) const
+{
+    const std::optional<QByteArray> data = readFile(statPath(pid));
+    if (!data)
+        return std::nullopt;
+    std::optional<ProcStat> stat = parseProcStat(data->constData(), data->size());
+    if (stat && stat->pid != pid)
+        return std::nullopt;
+    return stat;
 }
 
 std::optional<QList<int>> ProcReader::pids() const

@@ -28,12 +28,27 @@ public:
         std::optional<quint64> inactive;
     };
 
-    // The fields of /proc/[pid]/stat that the process table shows.
+    // The fields of /proc/[pid]/stat that the process table shows, and the ones a
+    // process's own figures come from (same read, no other file).
     struct ProcStat {
         int pid = 0;
         QByteArray comm;
         int priority = 0;
         quint64 startTicks = 0; // clock ticks after boot
+        char state = 0;         // R, S, D, Z, T, I...
+        int parentPid = 0;
+        bool kernelThread = false; // PF_KTHREAD in the flags
+        quint64 cpuTicks = 0;      // user + system since the process started
+        int threads = 0;
+        std::optional<quint64> residentPages; // missing on records cut short
+    };
+
+    // Every tick of every CPU since boot (guest time is inside user, so it is left out),
+    // and how many CPUs the kernel lists: what a process's ticks are a share of.
+    struct ElapsedTicks {
+        quint64 allCpus = 0;
+        int cpus = 0;
+        std::optional<qint64> bootTime;
     };
 
     explicit ProcReader(const QString &rootDir = QStringLiteral("/"));
@@ -43,6 +58,10 @@ public:
     std::optional<CpuTicks> cpuTicks() const;
     std::optional<MemInfo> memInfo() const;
     std::optional<qint64> bootTime() const; // seconds since 1970, "btime" of /proc/stat
+    // One read of /proc/stat for the process scan; nullopt when unreadable.
+    std::optional<ElapsedTicks> elapsedTicks() const;
+    // The stat record of one process; nullopt when it is gone or garbled.
+    std::optional<ProcStat> processStat(int pid) const;
 
     // Every process whose stat file could be read, in ascending pid order.
     // nullopt when the proc directory itself cannot be read.
@@ -57,6 +76,7 @@ public:
     static MemInfo parseMemInfo(const char *text, qsizetype length);
     static std::optional<qint64> parseBootTime(const char *text, qsizetype length);
     static std::optional<ProcStat> parseProcStat(const char *text, qsizetype length);
+    static ElapsedTicks parseElapsedTicks(const char *text, qsizetype length);
 
 private:
     QString _root;

@@ -169,6 +169,7 @@ const QString &StatCore::startTimeText(int pid, quint64 startTicks, qint64 bootT
     if (entry.text.isNull() || entry.startTicks != startTicks || entry.bootTime != bootTime) {
         entry.startTicks = startTicks;
         entry.bootTime = bootTime;
+        entry.cpuTicks.reset();
         const std::optional<qint64> seconds = startSeconds(startTicks, bootTime);
         entry.text = seconds ? _startTimeFormatter.format(*seconds) : QStringLiteral("");
     }
@@ -181,8 +182,14 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
     const std::optional<QList<ProcReader::ProcStat>> stats = _reader.processStats();
     if (!stats || stats->isEmpty())
         return std::nullopt;
-    const std::optional<qint64> boot = _reader.bootTime();
+    const ProcReader::ElapsedTicks elapsed = _reader.elapsedTicks().value_or(ProcReader::ElapsedTicks{});
+    const std::optional<qint64> boot = elapsed.bootTime;
     const qint64 bootTime = boot.value_or(0);
+    // The CPU shares need the machine's ticks over the same interval; a /proc/stat that
+    // went back or stood still gives none.
+    const quint64 interval = _scanTicks && elapsed.allCpus > *_scanTicks ? elapsed.allCpus - *_scanTicks : 0;
+    _scanTicks = elapsed.allCpus > 0 ? std::optional<quint64>(elapsed.allCpus) : std::nullopt;
+    const quint64 pageSize = _pageSize > 0 ? quint64(_pageSize) : 0;
 
     ++_scan;
     QList<ProcessRecord> records;
@@ -197,6 +204,28 @@ std::optional<QList<ProcessRecord>> StatCore::runningProcesses()
         record.startTime = startTimeText(stat.pid, stat.startTicks, bootTime);
         if (boot)
             record.startedAt = startSeconds(stat.startTicks, bootTime);
+
+        ProcessUsage &usage = record.usage;
+        usage.state = stat.state;
+        usage.parentPid = stat.parentPid;
+        usage.threads = stat.threads;
+        usage.kernelThread = stat.kernelThread;
+        usage.startTicks = stat.startTicks;
+        usage.cpuTicks = stat.cpuTicks;
+        if (stat.residentPages && pageSize > 0 && *stat.residentPages <= std::numeric_limits<quint64>::max() / pageSize)
+            usage.residentBytes = *stat.residentPages * pageSize;
+        // A process not in the previous scan (startTimeText() has just dropped the ticks of a
+        // pid that now names another) started within the interval: all its ticks are in it.
+        StartTimeEntry &entry = _startTimes[stat.pid];
+        const quint64 before = entry.cpuTicks.value_or(0);
+        if (interval > 0 && stat.cpuTicks >= before) {
+            // The two files are read a moment apart: a process on every CPU may read a hair over.
+            const double share = std::min(double(stat.cpuTicks - before) / double(interval), 1.0);
+            usage.cpuOfMachine = share * 100.0;
+            if (elapsed.cpus > 0)
+                usage.cpuOfOneCore = share * double(elapsed.cpus) * 100.0;
+        }
+        entry.cpuTicks = stat.cpuTicks;
         records.append(std::move(record));
     }
     // Forget processes that have gone, so the cache stays as large as the table.

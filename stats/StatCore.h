@@ -41,6 +41,7 @@ public:
     static StatCore *shared();
 
     static long systemPageSize();
+    QString rootDir() const { return _reader.rootDir(); }
 
     // Ticks since the previous call (or since construction); replaces the stored sample.
     CpuUsageData cpuUsage();
@@ -58,7 +59,8 @@ public:
     using FileSystemQuery = std::function<int(const char *path, struct statvfs *stats)>;
     void setFileSystemQuery(FileSystemQuery query) { _fileSystemQuery = std::move(query); }
     // Every process in ascending pid order, oldest first; nullopt when the
-    // process table cannot be read or holds no process.
+    // process table cannot be read or holds no process. Each record's CPU shares are
+    // over the interval since the previous call.
     std::optional<QList<ProcessRecord>> runningProcesses();
     // How many processes there are, without reading their files; nullopt when the
     // process table cannot be read.
@@ -99,6 +101,7 @@ private:
         qint64 bootTime = 0;
         QString text;
         quint32 seenInScan = 0;
+        std::optional<quint64> cpuTicks; // at the previous scan
     };
     std::optional<qint64> startSeconds(quint64 startTicks, qint64 bootTime) const;
     const QString &startTimeText(int pid, quint64 startTicks, qint64 bootTime);
@@ -117,4 +120,5 @@ private:
     // process lives. Keyed by pid; the start ticks tell a reused pid apart.
     QHash<int, StartTimeEntry> _startTimes;
     quint32 _scan = 0;
+    std::optional<quint64> _scanTicks; // every CPU's ticks at the previous scan
 };

@@ -1,6 +1,7 @@
 #include "StatSnapshot.h"
 
 #include "Device.h"
+#include "ProcessDetailsReader.h"
 #include "StatCore.h"
 
 #include <QDateTime>
@@ -28,13 +29,34 @@ QJsonValue number(quint64 value)
     return QJsonValue(qint64(value));
 }
 
+// A one-off sample can afford what the screens read for one process only; PSS excepted,
+// which makes the kernel walk every mapping of every process.
+QJsonValue withDetails(const QJsonValue &table, const ProcessDetailsReader &reader)
+{
+    if (!table.isArray())
+        return table;
+    QJsonArray rows;
+    for (const QJsonValue &value : table.toArray()) {
+        QJsonObject row = value.toObject();
+        const ProcessDetails details = reader.details(row.value(QStringLiteral("pid")).toInt());
+        row.insert(QStringLiteral("commandLine"), details.commandLine);
+        row.insert(QStringLiteral("executable"), details.executable);
+        row.insert(QStringLiteral("cgroup"), details.cgroup);
+        row.insert(QStringLiteral("unit"), details.unit);
+        row.insert(QStringLiteral("user"), details.user);
+        rows.append(row);
+    }
+    return rows;
+}
+
 } // namespace
 
 QJsonObject StatSnapshot::capture(StatCore &core, Device *device, std::chrono::milliseconds cpuInterval)
 {
     if (device)
         device->setBatteryMonitoringEnabled(true);
-    core.cpuUsage(); // discards the ticks since the previous sample
+    core.cpuUsage();         // discards the ticks since the previous sample
+    core.runningProcesses(); // and the processes' own, so their shares are over the interval
     if (cpuInterval.count() > 0) {
         QEventLoop interval;
         QTimer::singleShot(cpuInterval, &interval, &QEventLoop::quit);
@@ -46,7 +68,8 @@ QJsonObject StatSnapshot::capture(StatCore &core, Device *device, std::chrono::m
     snapshot.insert(QStringLiteral("cpuUsage"), cpuUsageJson(core.cpuUsage()));
     snapshot.insert(QStringLiteral("memoryUsage"), memoryUsageJson(core.memoryUsage()));
     snapshot.insert(QStringLiteral("diskUsage"), diskUsageJson(core.diskUsage()));
-    snapshot.insert(QStringLiteral("runningProcesses"), runningProcessesJson(core.runningProcesses()));
+    snapshot.insert(QStringLiteral("runningProcesses"),
+                    withDetails(runningProcessesJson(core.runningProcesses()), ProcessDetailsReader(core.rootDir())));
     snapshot.insert(QStringLiteral("systemInfo"), core.systemInfo().toJson());
     snapshot.insert(QStringLiteral("networkInfo"), core.networkInfo().toJson());
     snapshot.insert(QStringLiteral("battery"),

@@ -202,6 +202,24 @@ private Q_SLOTS:
         QCOMPARE(root->networkViewController()->panelBackground()->geometry(), QRect(5, 5, 310, 380));
     }
 
+    // Typing finds a process on the Processes page only; the field takes the keys while it is
+    // open, and Escape gives them back to the pager.
+    void typingFindsOnTheProcessesPage()
+    {
+        iPhoneProcessesViewController *processes = root->processesViewController();
+        pager->setFocus();
+        QTest::keyClicks(root->focusWidget(), QStringLiteral("sy"));
+        QCOMPARE(processes->findText(), QString());
+        root->tabButtons().at(1)->click();
+        QTest::keyClicks(root->focusWidget(), QStringLiteral("sy"));
+        QCOMPARE(processes->findText(), QStringLiteral("sy"));
+        QVERIFY(root->focusWidget() != pager);
+        QTest::keyClick(root->focusWidget(), Qt::Key_Escape);
+        QCOMPARE(processes->findText(), QString());
+        QCOMPARE(root->focusWidget(), pager);
+        root->tabButtons().at(0)->click();
+    }
+
     // Keys to the focused pager and wheel notches over a page or the titles ("where:dx,dy"):
     // the page turned to, the indicator that follows it, and whether the System list scrolled.
     void turnsOnePage_data() { FixtureTree::addRows("root-turns.tsv", {"start", "inputs", "page", "scrolled"}); }

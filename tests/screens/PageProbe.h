@@ -29,6 +29,7 @@ inline QList<ProcessRecord> records(int count, const QString &name = QStringLite
                      name + QString::number(i),
                      QString::number(20 - i),
                      QStringLiteral("7:0%1").arg(i),
+                     {},
                      {}});
     return list;
 }

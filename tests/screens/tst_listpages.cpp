@@ -2,7 +2,9 @@
 #include "FontTable.h"
 #include "InfoTableModel.h"
 #include "PageProbe.h"
+#include "ProcessDetailsSheet.h"
 #include "ProcessTableModel.h"
+#include "StatCore.h"
 #include "iPadNetworkViewController.h"
 #include "iPadProcessesViewConroller.h"
 #include "iPadSystemViewController.h"
@@ -11,6 +13,8 @@
 #include "iPhoneSystemViewController.h"
 
 #include <QtTest>
+
+#include <csignal>
 
 using namespace PageProbe;
 
@@ -55,6 +59,113 @@ private Q_SLOTS:
         QCOMPARE(processes.totalText() + u'|' + processes.cpuUsageText(), texts);
     }
 
+    // Typing finds by name or pid; Escape shows every process again.
+    void find_data() { FixtureTree::addRows("processes-find.tsv", {"typed", "rows", "total", "selected"}); }
+    void find()
+    {
+        QFETCH(QString, typed);
+        processes.setProcData(records(12));
+        QTest::keyClicks(&processes, typed);
+        QCOMPARE(processes.findText(), typed);
+        QTEST(QString::number(processes.tableData().size()), "rows");
+        QTEST(processes.totalText(), "total");
+        const std::optional<ProcessRecord> selected = processes.selectedRecord();
+        QTEST(selected ? selected->pid : QStringLiteral("-"), "selected");
+        // The next list keeps the find and the selection on its process.
+        processes.setProcData(records(12));
+        QTEST(processes.totalText(), "total");
+        QTEST(processes.selectedRecord() ? processes.selectedRecord()->pid : QStringLiteral("-"), "selected");
+        QTest::keyClick(&processes, Qt::Key_Escape);
+        QCOMPARE(processes.totalText(), QStringLiteral("Total: 12"));
+        QCOMPARE(processes.tableData().size(), 12);
+    }
+
+    // A real process of the test's own, found by typing its name, shown, and ended from its sheet.
+    void endAChildFoundByName()
+    {
+        QTemporaryDir dir;
+        const QString nap = dir.filePath(QStringLiteral("kovar-test-nap"));
+        QVERIFY(QFile::link(QStandardPaths::findExecutable(QStringLiteral("sleep")), nap));
+        QProcess child;
+        child.start(nap, {QStringLiteral("300")});
+        QVERIFY(child.waitForStarted());
+        StatCore core(QStringLiteral("/"), dir.path());
+        QTRY_VERIFY(core.runningProcesses().value_or(QList<ProcessRecord>{}).size() > 1);
+        processes.setProcData(core.runningProcesses());
+        QTest::keyClicks(&processes, QStringLiteral("kovar-test-nap"));
+        const QString pid = QString::number(child.processId());
+        QCOMPARE(processes.tableData().size(), 1);
+        QTest::keyClick(&processes, Qt::Key_Return);
+        ProcessDetailsSheet *sheet = processes.detailsSheet();
+        QVERIFY(sheet->isOpen() && sheet->record().pid == pid);
+        QVERIFY2(sheet->figuresText().contains(QStringLiteral("kovar-test-nap 300")), qPrintable(sheet->figuresText()));
+        QTest::keyClick(&processes, Qt::Key_Delete);
+        QCOMPARE(sheet->questionText(), QStringLiteral("End \u201ckovar-test-nap\u201d (pid %1)?").arg(pid));
+        QVERIFY(child.state() == QProcess::Running);
+        QTest::keyClick(&processes, Qt::Key_Return);
+        QVERIFY2(sheet->messageText().contains(QStringLiteral("was asked to end")), qPrintable(sheet->messageText()));
+        QVERIFY(child.waitForFinished(5000));
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(child.exitCode(), SIGTERM);
+        // Gone from the next list: the sheet says so and keeps its last figures.
+        processes.setProcData(core.runningProcesses());
+        QVERIFY(sheet->hasExited());
+        QVERIFY(sheet->messageText().contains(QStringLiteral("has exited")));
+        QVERIFY(sheet->figuresText().contains(QStringLiteral("kovar-test-nap 300")));
+        QTest::keyClick(&processes, Qt::Key_Escape);
+        QVERIFY(!sheet->isOpen());
+        QTest::keyClick(&processes, Qt::Key_Escape);
+        QCOMPARE(processes.findText(), QString());
+    }
+
+    // What KOVAR never offers to signal: the sheet says why, and Delete asks nothing.
+    void refusals_data()
+    {
+        QTest::addColumn<int>("pid");
+        QTest::addColumn<bool>("kernelThread");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("pid 1") << 1 << false << "KOVAR does not end pid 1";
+        QTest::newRow("kernel thread") << 2 << true << "part of the kernel";
+        QTest::newRow("KOVAR itself") << int(QCoreApplication::applicationPid()) << false << "KOVAR itself";
+    }
+    void refusals()
+    {
+        QFETCH(int, pid);
+        QFETCH(bool, kernelThread);
+        ProcessRecord record = records(1).first();
+        record.pid = QString::number(pid);
+        record.usage.kernelThread = kernelThread;
+        processes.openDetails(record);
+        ProcessDetailsSheet *sheet = processes.detailsSheet();
+        QFETCH(QString, message);
+        QVERIFY2(sheet->messageText().contains(message), qPrintable(sheet->messageText()));
+        QTest::keyClick(sheet, Qt::Key_Delete);
+        QVERIFY(!sheet->isAsking());
+        QTest::keyClick(sheet, Qt::Key_Escape);
+        QVERIFY(!sheet->isOpen());
+    }
+
+    // A click on a row opens its sheet; a swipe to the right goes back to the list.
+    void clickOpensSwipeCloses()
+    {
+        processes.setProcData(records(3));
+        QListView *table = processes.tableView();
+        table->show();
+        const QRect second = table->visualRect(table->model()->index(1, 0));
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, second.center());
+        ProcessDetailsSheet *sheet = processes.detailsSheet();
+        QTRY_VERIFY(sheet->isOpen());
+        QCOMPARE(sheet->record().pid, QStringLiteral("1001"));
+        QVERIFY(!table->isVisibleTo(processes.baseView()));
+        // Over the figures, where most of a swipe lands.
+        QWidget *figures = sheet->childAt(sheet->width() / 2, sheet->height() / 3);
+        QVERIFY(figures);
+        QTest::mousePress(figures, Qt::LeftButton, {}, QPoint(20, 10));
+        QTest::mouseRelease(figures, Qt::LeftButton, {}, QPoint(120, 20));
+        QVERIFY(!sheet->isOpen());
+        QVERIFY(table->isVisibleTo(processes.baseView()));
+    }
+
     void processRows()
     {
         QAbstractItemModel *model = processes.tableView()->model();
@@ -82,7 +193,7 @@ private Q_SLOTS:
 
         // The kernel's largest pid is drawn whole: its last digit, not an ellipsis on the baseline, shows
         // above the row's middle, past the column's own 50 points.
-        processes.setProcData(QList<ProcessRecord>{{QStringLiteral("4194304"), {}, {}, {}, {}}});
+        processes.setProcData(QList<ProcessRecord>{{QStringLiteral("4194304"), {}, {}, {}, {}, {}}});
         const QImage shot = processes.grab().toImage();
         const QPoint pid = processes.tableView()->viewport()->mapTo(&processes, QPoint(5, 0));
         const QFontMetrics metrics(FontTable::font(QStringLiteral("Helvetica-Bold"), 14));

@@ -1,5 +1,9 @@
 #include "FixtureTree.h"
 #include "ProcReader.h"
+#include "ProcessDetailsReader.h"
+#include "ProcessSignaller.h"
+
+#include <csignal>
 
 #include <QtTest>
 
@@ -59,6 +63,71 @@ private Q_SLOTS:
             QVERIFY(std::is_sorted(pids->begin(), pids->end()));
             QVERIFY(pids->size() >= stats->size());
         }
+    }
+
+    void processFigures_data() { addRows("process-figures.tsv", {"tree", "pid", "stat", "details"}); }
+    void processFigures()
+    {
+        QFETCH(QString, tree);
+        QFETCH(QString, pid);
+        const std::optional<ProcReader::ProcStat> stat = ProcReader(path(tree)).processStat(pid.toInt());
+        QTEST(stat ? QStringLiteral("%1 %2 %3 %4 %5 %6")
+                         .arg(QLatin1Char(stat->state))
+                         .arg(stat->parentPid)
+                         .arg(stat->threads)
+                         .arg(int(stat->kernelThread))
+                         .arg(stat->cpuTicks)
+                         .arg(optional(stat->residentPages))
+                   : QStringLiteral("-"),
+              "stat");
+        const ProcessDetails details = ProcessDetailsReader(path(tree)).details(pid.toInt());
+        QTEST(QStringList({details.commandLine, details.executable, details.unit,
+                           details.uid ? details.user : QStringLiteral("-"), optional(details.proportionalBytes)})
+                  .join(QStringLiteral(" | ")),
+              "details");
+    }
+
+    // Only the process that was listed is ever signalled, and only one that may be.
+    void signaller_data()
+    {
+        addRows("signaller.tsv", {"tree", "pid", "listedStart", "pidfd", "answer", "ownPid", "calls", "message"});
+    }
+    void signaller()
+    {
+        QFETCH(QString, tree);
+        QFETCH(QString, pid);
+        QFETCH(QString, pidfd);
+        QFETCH(QString, answer);
+        const auto code = [](const QString &name) {
+            return name == u"ENOSYS" ? -ENOSYS : name == u"EPERM" ? -EPERM : name == u"ESRCH" ? -ESRCH : name.toInt();
+        };
+        QStringList calls;
+        ProcessSignaller::Seams seams;
+        seams.openPidfd = [&](int) { return code(pidfd); };
+        seams.sendByPidfd = [&](int fd, int signal) {
+            calls << QStringLiteral("pidfd %1 %2").arg(fd).arg(signal);
+            return code(answer);
+        };
+        seams.sendByPid = [&](int target, int signal) {
+            calls << QStringLiteral("kill %1 %2").arg(target).arg(signal);
+            return code(answer);
+        };
+        seams.closePidfd = [&](int fd) { calls << QStringLiteral("close %1").arg(fd); };
+        QFETCH(QString, ownPid);
+        seams.ownPid = ownPid.toInt();
+        QFETCH(QString, listedStart);
+        const std::optional<ProcReader::ProcStat> stat = ProcReader(path(tree)).processStat(pid.toInt());
+        QVERIFY(stat);
+        {
+            ProcessSignaller signaller(path(tree), seams);
+            signaller.pin(pid.toInt(), QString::fromUtf8(stat->comm), listedStart.toULongLong(), stat->kernelThread);
+            const ProcessSignaller::Outcome outcome = signaller.send(SIGTERM);
+            QFETCH(QString, message);
+            QVERIFY2(outcome.message.contains(message), qPrintable(outcome.message));
+            QCOMPARE(outcome.sent, message == u"was asked to end");
+        }
+        // The pidfd is closed once, when the process is let go.
+        QTEST(calls.join(QStringLiteral(", ")), "calls");
     }
 };
 

@@ -167,6 +167,59 @@ private Q_SLOTS:
         QCOMPARE(core.startTimeCacheSize(), 7);
     }
 
+    // A process's CPU share is its ticks between two scans over every CPU's ticks meanwhile.
+    void processCpuShares_data()
+    {
+        QTest::addColumn<quint64>("busyTicks");
+        QTest::addColumn<quint64>("elapsedTicks"); // of all four CPUs together
+        QTest::addColumn<quint64>("startTicks");   // the process's at the second read
+        QTest::addColumn<QString>("shares");       // of one CPU, of the machine
+        QTest::newRow("three quarters of a CPU on four")
+            << quint64(150) << quint64(800) << quint64(360500) << "75 18.75";
+        QTest::newRow("two CPUs' worth, over 100 %") << quint64(400) << quint64(800) << quint64(360500) << "200 50";
+        QTest::newRow("idle") << quint64(0) << quint64(800) << quint64(360500) << "0 0";
+        QTest::newRow("no tick elapsed: unknown") << quint64(3) << quint64(0) << quint64(360500) << "- -";
+        QTest::newRow("pid reused between the reads: the new process's ticks, all in the interval")
+            << quint64(150) << quint64(800) << quint64(370000) << "75 18.75";
+        QTest::newRow("more than every CPU: a read a moment late")
+            << quint64(820) << quint64(800) << quint64(360500) << "400 100";
+    }
+    void processCpuShares()
+    {
+        QFETCH(quint64, busyTicks);
+        QFETCH(quint64, elapsedTicks);
+        QFETCH(quint64, startTicks);
+        QTemporaryDir dir;
+        QVERIFY(copy(path(QStringLiteral("proc-x86-desktop-units")), dir.path()));
+        StatCore core(dir.path(), dir.path(), 4096);
+        const auto firefox = [&core]() -> ProcessUsage {
+            for (const ProcessRecord &record : core.runningProcesses().value_or(QList<ProcessRecord>{}))
+                if (record.pid == u"1800")
+                    return record.usage;
+            return {};
+        };
+        const ProcessUsage first = firefox();
+        QVERIFY(!first.cpuOfOneCore && !first.cpuOfMachine);
+        QCOMPARE(first.residentBytes, std::optional<quint64>(105678ull * 4096));
+        QString stat = QString::fromLatin1(
+            "1800 (firefox-esr) S 1650 1650 1650 0 -1 4194560 998877 12345 300 4 %1 %2 40 12 20 0 87 0 %3 3968753664 "
+            "105678 18446744073709551615 1 1 0 0 0 0 0 4096 1098 0 0 0 17 3 0 0 0 0 0 0 0 0 0 0 0 0 0\n");
+        // A new process under the pid has only the ticks it used since.
+        const bool reused = startTicks != 360500;
+        QVERIFY(writeFile(
+            dir.filePath(QStringLiteral("proc/1800/stat")),
+            stat.arg(reused ? busyTicks : 52340 + busyTicks).arg(reused ? 0 : 9120).arg(startTicks).toLatin1()));
+        QByteArray cpus = "cpu  " + QByteArray::number(3510000 + elapsedTicks) + " 0 0 0 0 0 0 0 0 0\n";
+        for (int cpu = 0; cpu < 4; ++cpu)
+            cpus += "cpu" + QByteArray::number(cpu) + " 1 0 0 0 0 0 0 0 0 0\n";
+        QVERIFY(writeFile(dir.filePath(QStringLiteral("proc/stat")), cpus + "btime 1700000000\n"));
+        const ProcessUsage second = firefox();
+        const auto text = [](const std::optional<double> &share) {
+            return share ? QString::number(*share) : QStringLiteral("-");
+        };
+        QTEST(text(second.cpuOfOneCore) + u' ' + text(second.cpuOfMachine), "shares");
+    }
+
     void sharedCreatedOnceUnderContention()
     {
         constexpr int threadCount = 16;
