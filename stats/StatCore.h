@@ -41,7 +41,6 @@ public:
     static StatCore *shared();
 
     static long systemPageSize();
-    QString rootDir() const { return _reader.rootDir(); }
 
     // Ticks since the previous call (or since construction); replaces the stored sample.
     CpuUsageData cpuUsage();
