@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListView>
+#include <QScrollEvent>
 
 #include <algorithm>
 #include <utility>
@@ -56,11 +57,13 @@ void ProcessesPage::viewDidLoad()
     _findField->setGeometry(band);
     _findField->setFont(headerFont);
     _findField->setPlaceholderText(QStringLiteral("Find a name or pid"));
-    _findField->setStyleSheet(QStringLiteral("QLineEdit { color: white; background: rgba(0, 0, 0, 70%); border: 1px "
+    _findField->setStyleSheet(QStringLiteral("QLineEdit { color: white; background: black; border: 1px "
                                              "solid rgba(255, 255, 255, 50%); border-radius: 4px; }"));
     _findField->hide();
     _findField->installEventFilter(this);
     connect(_findField, &QLineEdit::textChanged, this, &ProcessesPage::setFindText);
+    // On touch there are no keys to type into the list: pulling it down past its top opens the field.
+    table->viewport()->installEventFilter(this);
 
     _sheet = new ProcessDetailsSheet(baseView());
     connect(_sheet, &ProcessDetailsSheet::wentBack, this, &ProcessesPage::sheetWentBack);
@@ -192,7 +195,7 @@ bool ProcessesPage::handleKey(QKeyEvent *event)
         }
         return false;
     case Qt::Key_Escape:
-        if (_findField->text().isEmpty() && !_findField->isVisible())
+        if (_findField->text().isEmpty() && _findField->isHidden())
             return false;
         _findField->clear();
         _findField->hide();
@@ -217,13 +220,8 @@ bool ProcessesPage::handleKey(QKeyEvent *event)
     const QString text = event->text();
     if (text.isEmpty() || !text.at(0).isPrint() || (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
         return false;
-    if (!_findField->isVisible()) {
-        _focusBeforeFind = window()->focusWidget();
-        _findField->show();
-        // The rest of the typing goes straight to the field.
-        if (isVisible())
-            _findField->setFocus(Qt::OtherFocusReason);
-    }
+    // The rest of the typing goes straight to the field.
+    openFind();
     _findField->insert(text);
     return true;
 }
@@ -241,8 +239,24 @@ void ProcessesPage::resizeEvent(QResizeEvent *event)
         _sheet->setRestGeometry(panelBackground()->geometry());
 }
 
+void ProcessesPage::openFind()
+{
+    if (!_findField || !_findField->isHidden())
+        return;
+    _focusBeforeFind = window()->focusWidget();
+    _findField->show();
+    // An on-screen keyboard comes up for a field with the focus.
+    if (isVisible())
+        _findField->setFocus(Qt::OtherFocusReason);
+}
+
 bool ProcessesPage::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::Scroll && tableView() && watched == tableView()->viewport()) {
+        const auto *scroll = static_cast<QScrollEvent *>(event);
+        if (scroll->overshootDistance().y() <= -PullToFind && !_sheet->isOpen())
+            openFind();
+    }
     // In the field, the keys that are not text still act on the list.
     if (watched == _findField && event->type() == QEvent::KeyPress) {
         auto *key = static_cast<QKeyEvent *>(event);

@@ -20,10 +20,14 @@ class QLineEdit;
 // process with its pid, name, start time and priority. The phone page and the tablet
 // panel are this list in their own frames. Typing finds a process by name or pid (the
 // search field takes the header band; Escape clears it); a click, or Enter on the
-// selected row, opens its details sheet.
+// selected row, opens its details sheet. On touch, pulling the list down past its top opens
+// the search field.
 class ProcessesPage : public ListPage {
     Q_OBJECT
 public:
+    // How far past its top the list is pulled to open the search field, in points.
+    static constexpr qreal PullToFind = 40.0;
+
     // Builds the page at the widget's current size and shows the first process list.
     void viewDidLoad() override;
 
@@ -60,6 +64,7 @@ private:
     // newFind: the find's text changed, so the selection starts on its first match.
     void showRecords(bool newFind = false);
     void setFindText(const QString &text);
+    void openFind();
     void moveSelection(int step);
     void sheetWentBack();
 

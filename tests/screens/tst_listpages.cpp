@@ -12,6 +12,8 @@
 #include "iPhoneProcessesViewController.h"
 #include "iPhoneSystemViewController.h"
 
+#include <QLineEdit>
+#include <QScrollEvent>
 #include <QtTest>
 
 #include <csignal>
@@ -78,6 +80,33 @@ private Q_SLOTS:
         QTest::keyClick(&processes, Qt::Key_Escape);
         QCOMPARE(processes.totalText(), QStringLiteral("Total: 12"));
         QCOMPARE(processes.tableData().size(), 12);
+    }
+
+    // On touch: the list pulled down past its top (the scroller's overshoot, in points) opens the
+    // search field once the pull reaches 40 points; pulled up past its end it does not.
+    void pullDownOpensFind_data()
+    {
+        QTest::addColumn<qreal>("overshoot");
+        QTest::addColumn<bool>("opens");
+        QTest::newRow("resting") << 0.0 << false;
+        QTest::newRow("a short pull") << -39.0 << false;
+        QTest::newRow("pulled 40 points") << -40.0 << true;
+        QTest::newRow("pulled far") << -120.0 << true;
+        QTest::newRow("pulled up past the end") << 80.0 << false;
+    }
+    void pullDownOpensFind()
+    {
+        QFETCH(qreal, overshoot);
+        processes.setProcData(records(12));
+        QScrollEvent pull(QPointF(0, 0), QPointF(0, overshoot), QScrollEvent::ScrollUpdated);
+        QCoreApplication::sendEvent(processes.tableView()->viewport(), &pull);
+        auto *field = processes.findChild<QLineEdit *>();
+        QVERIFY(field);
+        QTEST(field->isVisibleTo(&processes), "opens");
+        QScrollEvent rest(QPointF(0, 0), QPointF(0, 0), QScrollEvent::ScrollFinished); // the list springs back
+        QCoreApplication::sendEvent(processes.tableView()->viewport(), &rest);
+        QTest::keyClick(&processes, Qt::Key_Escape);
+        QVERIFY(!field->isVisibleTo(&processes));
     }
 
     // A real process of the test's own, found by typing its name, shown, and ended from its sheet.
